@@ -1,0 +1,47 @@
+#include "environment/install_location.h"
+
+#include <climits>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace {
+
+std::string binDir;
+std::string installDir;
+
+std::string canonical(const std::string &path) {
+    char resolved[PATH_MAX];
+    if (realpath(path.c_str(), resolved))
+        return resolved;
+    return path;
+}
+
+std::string parentOf(const std::string &path) {
+    const auto slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    if (slash == 0)
+        return "/";
+    return path.substr(0, slash);
+}
+
+}  // namespace
+
+std::string executablePath(const char *argv0) {
+    char buffer[1024];
+    const ssize_t length = readlink("/proc/self/exe", buffer, sizeof buffer);
+    if (length >= 1 && length <= 1023)
+        return std::string(buffer, static_cast<size_t>(length));
+    return argv0 ? argv0 : "";
+}
+
+void setInstallDirectories(const std::string &executable, int levelsUp) {
+    binDir = canonical(parentOf(executable));
+    std::string dir = binDir;
+    for (int i = 0; i < levelsUp; ++i)
+        dir = parentOf(dir);
+    installDir = canonical(dir);
+}
+
+const std::string &installDirectory() { return installDir; }
+const std::string &binDirectory() { return binDir; }

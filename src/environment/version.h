@@ -1,0 +1,20 @@
+#pragma once
+
+// The product's identity constants, shown by the banner and the studio macros.
+namespace Version {
+
+inline constexpr int major = 5;
+inline constexpr int minor = 4;
+inline constexpr int revision = 1;
+inline constexpr const char *shortVersion = "5.4";
+inline constexpr const char *targetName = "ARM";
+inline constexpr int targetIdentifier = 8;
+inline constexpr const char *buildStamp = "2026041515";
+inline constexpr const char *buildDate = "2026-04-15";
+inline constexpr const char *sourceRevision = "61521";
+
+inline constexpr const char *productName = "Veldane for ARM";
+inline constexpr const char *toolDisplayName = "Quillmake";
+inline constexpr const char *companyName = "Ostrand Instruments Limited";
+
+}  // namespace Version

@@ -1,0 +1,1 @@
+// XML tree, parser and writer: placeholder until the tree lands.

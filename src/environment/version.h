@@ -18,3 +18,13 @@ inline constexpr const char *toolDisplayName = "Quillmake";
 inline constexpr const char *companyName = "Ostrand Instruments Limited";
 
 }  // namespace Version
+
+namespace Version {
+
+// The maker's notice, printed under the banner.
+inline constexpr const char *noticeLines[] = {
+    "Copyright (c) 2026 Ostrand Instruments Limited.",
+    "This program is provided as is, without warranty of any kind.",
+};
+
+}  // namespace Version

@@ -1,24 +1,61 @@
 #include "support/file_utils.h"
 
+#include <cerrno>
+#include <cstdlib>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
 
-namespace {
-
-bool isDirectory(const std::string &path) {
-    struct stat st;
-    return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
-}
-
-}  // namespace
+#include "support/file_info.h"
 
 bool makeDirectories(const std::string &directory) {
-    if (directory.empty() || directory == "/" || isDirectory(directory))
-        return true;
-    const auto slash = directory.rfind('/');
-    if (slash != std::string::npos && slash > 0) {
-        const std::string parent = directory.substr(0, slash);
-        if (parent != directory && !isDirectory(parent))
-            makeDirectories(parent);
+    // Each level is a prefix of the absolute path; a level is looked at by
+    // ending the text at its length for a moment, so that a deep path costs
+    // no copies.
+    std::string path = absolutePathOf(directory);
+    const auto atLevel = [&path](size_t length, auto call) {
+        path[length] = '\0';
+        const bool result = call(path.c_str());
+        path[length] = length < path.size() ? '/' : '\0';
+        return result;
+    };
+    const auto isDirectory = [](const char *level) {
+        struct stat st;
+        return stat(level, &st) == 0 && S_ISDIR(st.st_mode);
+    };
+    const auto makeDirectory = [&isDirectory](const char *level) {
+        // Another process may make the same directory at the same time.
+        return mkdir(level, 0777) == 0 || (errno == EEXIST && isDirectory(level));
+    };
+
+    // Walk up to the first directory that exists, then make the missing
+    // ones on the way back down.
+    std::vector<size_t> missing;
+    size_t length = path.size();
+    while (length > 1 && !atLevel(length, isDirectory)) {
+        missing.push_back(length);
+        length = path.rfind('/', length - 1);
+        if (length == std::string::npos)
+            break;
     }
-    return mkdir(directory.c_str(), 0777) == 0;
+    for (auto level = missing.rbegin(); level != missing.rend(); ++level) {
+        if (!atLevel(*level, makeDirectory))
+            return false;
+    }
+    return true;
+}
+
+bool removeFile(const std::string &path) { return unlink(path.c_str()) == 0; }
+
+std::string temporaryDirectory() {
+    for (const char *name : {"TMP", "TEMP", "TMPDIR"}) {
+        const char *value = getenv(name);
+        if (value && *value)
+            return value;
+    }
+    return "/tmp";
+}
+
+void setEnvironment(const std::string &name, const std::string &value) {
+    setenv(name.c_str(), value.c_str(), 1);
 }

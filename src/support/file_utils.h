@@ -2,6 +2,19 @@
 
 #include <string>
 
-// Makes `directory` and any missing parents. True if it exists afterwards
-// (or is the root); otherwise the result of the last mkdir.
+// Small helpers over the file system and the process environment.
+
+// Makes `directory` and any missing parents, from the top down. True if the
+// directory exists afterwards (or is the root); false as soon as one mkdir
+// fails, for instance under a plain file.
 bool makeDirectories(const std::string &directory);
+
+// Removes a file; true on success.
+bool removeFile(const std::string &path);
+
+// The first of the environment variables TMP, TEMP and TMPDIR that is set
+// and not empty, else "/tmp".
+std::string temporaryDirectory();
+
+// Sets an environment variable, replacing any value it had.
+void setEnvironment(const std::string &name, const std::string &value);

@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# Builds a libFuzzer harness with address and undefined-behaviour checks and
+# runs it for a while:
+#
+#   fuzz/run.sh <target> [seconds] [libFuzzer options...]
+#
+# The harness is fuzz/<target>_fuzzer.cpp. New inputs collect in
+# fuzz/corpus-<target>/ (not checked in), seeded from fuzz/seeds/<target>/;
+# the binary and any crashing input go to fuzz/artifacts/<target>/.
+# Needs clang++-14 and libclang-rt-14-dev.
+set -euo pipefail
+
+# The sources each harness needs besides itself. Add a target with one row.
+declare -A target_sources=(
+    [xml]="src/project/xml/qxml_document.cpp
+           src/project/xml/xml_document.cpp
+           src/project/xml/xml_element.cpp
+           src/project/xml/xml_node.cpp
+           src/project/xml/xml_parser.cpp
+           src/project/xml/xml_writer.cpp"
+    [indirect]="src/frontend/arg_parse.cpp
+                src/frontend/program_log.cpp"
+)
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+target=${1:-}
+if [[ -z $target || -z ${target_sources[$target]+set} ]]; then
+    echo "usage: fuzz/run.sh <target> [seconds] [libFuzzer options...]" >&2
+    echo "targets: ${!target_sources[*]}" >&2
+    exit 2
+fi
+seconds=${2:-60}
+shift $(( $# >= 2 ? 2 : 1 ))
+
+cd "$root"
+artifacts=fuzz/artifacts/$target
+corpus=fuzz/corpus-$target
+seeds=fuzz/seeds/$target
+mkdir -p "$artifacts" "$corpus"
+
+# shellcheck disable=SC2086 # the source list is split on purpose
+clang++-14 -std=c++20 -g -O1 -fsanitize=fuzzer,address,undefined \
+    -fno-sanitize-recover=undefined -Isrc \
+    "fuzz/${target}_fuzzer.cpp" ${target_sources[$target]} \
+    -o "$artifacts/${target}_fuzzer"
+
+options=(-max_total_time="$seconds" -artifact_prefix="$artifacts/" -print_final_stats=1)
+[[ -f fuzz/$target.dict ]] && options+=(-dict="fuzz/$target.dict")
+inputs=("$corpus")
+[[ -d $seeds ]] && inputs+=("$seeds")
+exec "$artifacts/${target}_fuzzer" "${options[@]}" "$@" "${inputs[@]}"

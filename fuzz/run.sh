@@ -7,7 +7,7 @@
 # The harness is fuzz/<target>_fuzzer.cpp. New inputs collect in
 # fuzz/corpus-<target>/ (not checked in), seeded from fuzz/seeds/<target>/;
 # the binary and any crashing input go to fuzz/artifacts/<target>/.
-# Needs clang++-14 and libclang-rt-14-dev.
+# Installs clang++-14 and libclang-rt-14-dev if they are missing.
 set -euo pipefail
 
 # The sources each harness needs besides itself. Add a target with one row.
@@ -33,6 +33,7 @@ seconds=${2:-60}
 shift $(( $# >= 2 ? 2 : 1 ))
 
 cd "$root"
+scripts/install-deps.sh --fuzz
 artifacts=fuzz/artifacts/$target
 corpus=fuzz/corpus-$target
 seeds=fuzz/seeds/$target

@@ -1,14 +1,26 @@
 #include "environment/install_location.h"
 
+#include "support/file_path.h"
+
 #include <climits>
 #include <cstdlib>
 #include <unistd.h>
 
 namespace {
 
-std::string binDir;
-std::string installDir;
+// Made once, never freed: the location lives as long as the process.
+FilePath &binDir() {
+    static FilePath *path = new FilePath;
+    return *path;
+}
 
+FilePath &installDir() {
+    static FilePath *path = new FilePath;
+    return *path;
+}
+
+// The path with symbolic links and "." and ".." resolved; the path itself
+// if it doesn't exist.
 std::string canonical(const std::string &path) {
     char resolved[PATH_MAX];
     if (realpath(path.c_str(), resolved))
@@ -36,12 +48,13 @@ std::string executablePath(const char *argv0) {
 }
 
 void setInstallDirectories(const std::string &executable, int levelsUp) {
-    binDir = canonical(parentOf(executable));
-    std::string dir = binDir;
+    const std::string bin = canonical(parentOf(executable));
+    std::string dir = bin;
     for (int i = 0; i < levelsUp; ++i)
         dir = parentOf(dir);
-    installDir = canonical(dir);
+    binDir().assign(bin);
+    installDir().assign(canonical(dir));
 }
 
-const std::string &installDirectory() { return installDir; }
-const std::string &binDirectory() { return binDir; }
+const std::string &installDirectory() { return installDir().text(); }
+const std::string &binDirectory() { return binDir().text(); }

@@ -14,6 +14,10 @@ inline constexpr const char *buildDate = "2026-04-15";
 inline constexpr const char *sourceRevision = "61521";
 
 inline constexpr const char *productName = "Veldane for ARM";
+inline constexpr const char *productNameShort = "Veldane";
+// The family's names, which the studio macros keep.
+inline constexpr const char *studioNameShort = "Tarnbench";
+inline constexpr const char *studioName = "Tarnbench for ARM";
 inline constexpr const char *toolDisplayName = "Quillmake";
 inline constexpr const char *companyName = "Ostrand Instruments Limited";
 

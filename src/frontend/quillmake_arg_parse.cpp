@@ -1,6 +1,8 @@
 #include "frontend/quillmake_arg_parse.h"
 
+#include "environment/config_file.h"
 #include "environment/install_location.h"
+#include "environment/user_directories.h"
 #include "environment/version.h"
 #include "frontend/program_log.h"
 
@@ -52,7 +54,8 @@ unsigned toUnsigned(std::string_view text) {
     return static_cast<unsigned>(value);
 }
 
-QuillmakeArgParse::QuillmakeArgParse(ProgramLog *log) : ArgParse(log) {
+QuillmakeArgParse::QuillmakeArgParse(ProgramLog *log, SystemMacros &macros)
+    : ArgParse(log), systemMacros(macros) {
     addFlagOption("-batch", &batch, "-batch: batch build");
     addFlagOption("-clean", &clean, "-clean: remove all output and intermediate files");
     addValueOption("-config", &configuration, "-config 'name': (batch) build in 'name' configuration");
@@ -171,12 +174,16 @@ bool QuillmakeArgParse::writeHelpTable(const std::string &path) {
 }
 
 void QuillmakeArgParse::prepareEnvironment() {
-    // The installation's configuration file, the root user directory (from
-    // -rootuserdir) and the environment settings are set up here once they
-    // exist; the packages default is then read from the environment setting
-    // "Environment/Package/Destination Directory".
+    ConfigFile &config = ConfigFile::instance(systemMacros);
+    config.load(installDirectory());
+    setRootUserDirectory(!text(rootUserDirectory).empty() ? *rootUserDirectory
+                                                          : config.setting("root-user-dir", ""));
+    // The environment settings are made here once they exist; they apply the
+    // environment-setting elements of the configuration file, and the
+    // packages default is then their "Environment/Package/Destination
+    // Directory".
     studioDirectory = installDirectory();
-    packagesDirectory = "$(StudioUserDir)/packages";
+    packagesDirectory = defaultPackagesDirectory;
 }
 
 bool QuillmakeArgParse::applyRules() {

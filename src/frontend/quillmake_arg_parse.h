@@ -8,13 +8,15 @@
 #include <string_view>
 #include <vector>
 
+class SystemMacros;
+
 // The command line of quillmake: one member per option, filled by two passes
 // of the parser over the process's arguments, then checked as a whole.
 // Strings are null until their option is given; an empty string counts as
 // given.
 class QuillmakeArgParse : public QTx::ArgParse {
 public:
-    explicit QuillmakeArgParse(ProgramLog *log);
+    QuillmakeArgParse(ProgramLog *log, SystemMacros &macros);
 
     // The last plain argument is the solution file.
     void plainArgument(const std::string &text) override;
@@ -75,6 +77,7 @@ public:
     // -D name=value; a name without "=" has a null value.
     std::map<std::string, std::optional<std::string>> globalMacros;
     unsigned threadCount = 0;
+    SystemMacros &systemMacros;
 
 private:
     void addGlobalMacro(const std::string &name, const std::optional<std::string> &value);

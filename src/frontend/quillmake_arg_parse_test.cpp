@@ -1,5 +1,6 @@
 #include "frontend/quillmake_arg_parse.h"
 
+#include "environment/system_macros.h"
 #include "frontend/program_log.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,8 @@ using Strings = std::vector<std::string>;
 struct QuillmakeArgs : ::testing::Test {
     std::ostringstream errors;
     ProgramLog log{"qm", errors};
-    QuillmakeArgParse args{&log};
+    SystemMacros macros;
+    QuillmakeArgParse args{&log, macros};
 
     void parseBoth(const Strings &list) {
         args.parse(list, 0);

@@ -1,6 +1,7 @@
 #include "frontend/run.h"
 
 #include "environment/install_location.h"
+#include "environment/system_macros.h"
 #include "frontend/program_log.h"
 #include "frontend/quillmake_arg_parse.h"
 #include "support/exceptions.h"
@@ -70,9 +71,15 @@ namespace {
 // directory and installing the handler go here.
 void installCrashHandler() {}
 
-// Steps 6 and 7. The system macro table isn't part of the program yet; the
-// studio macros, the packages directory and the -D macros are added here.
-void addMacros(const QuillmakeArgParse &) {}
+// Steps 6 and 7: the studio macros, the packages directory and the -D
+// macros. The user's global macros come from the environment settings once
+// they exist; the -D macros are added over them.
+void addMacros(const QuillmakeArgParse &args, SystemMacros &macros) {
+    addStudioMacros(macros, text(args.studioDirectory), {});
+    setPackagesDirectory(macros, text(args.packagesDirectory));
+    for (const auto &[name, value] : args.globalMacros)
+        macros.globalMacros()[name] = text(value);
+}
 
 // Steps 9 and 10. The warning object and the one project system of the run
 // (hosted GNU tools with -host, ARM otherwise) are made here.
@@ -101,18 +108,20 @@ std::vector<std::string> argumentList(int argc, char **argv) {
 }
 
 int run(int argc, char **argv) {
-    // 1. The system macro table is made here once the program has one.
+    // 1. The system macro table: made once, and kept to the end of the process.
+    static SystemMacros *const systemMacros = new SystemMacros;
+    SystemMacros &macros = *systemMacros;
     // 2. Where the program is installed.
     setInstallDirectories(executablePath(argv[0]), 1);
     // 3. The error reporter; it lives to the end of the process.
     ProgramLog *log = new ProgramLog(argv[0], std::cerr);
     ProgramLog::setInstance(log);
     // 4. The command line; it is valid from here on.
-    QuillmakeArgParse args(log);
+    QuillmakeArgParse args(log, macros);
     args.checkedParse(argumentList(argc, argv));
     // 5-7.
     installCrashHandler();
-    addMacros(args);
+    addMacros(args, macros);
     // 8.
     const std::string templatesFile = templatesFileText(args.templatesFile, args.host);
     // 9-10.

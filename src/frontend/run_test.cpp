@@ -1,5 +1,6 @@
 #include "frontend/run.h"
 
+#include "environment/system_macros.h"
 #include "frontend/program_log.h"
 #include "frontend/quillmake_arg_parse.h"
 #include "support/lock_file.h"
@@ -16,7 +17,8 @@ namespace {
 BuildFlags flagsOf(const std::vector<std::string> &options) {
     std::ostringstream errors;
     ProgramLog log("qm", errors);
-    QuillmakeArgParse args(&log);
+    SystemMacros macros;
+    QuillmakeArgParse args(&log, macros);
     args.parse(options, 1);
     EXPECT_EQ(errors.str(), "");
     return fixBuildFlags(args);
@@ -48,7 +50,8 @@ TEST(BuildFlagsOfCommandLine, AddedBits) {
 TEST(BuildFlagsOfCommandLine, ShowTurnsEchoOn) {
     std::ostringstream errors;
     ProgramLog log("qm", errors);
-    QuillmakeArgParse args(&log);
+    SystemMacros macros;
+    QuillmakeArgParse args(&log, macros);
     fixBuildFlags(args);
     EXPECT_FALSE(args.echo);
     args.parse({"-show"}, 1);

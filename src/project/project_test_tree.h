@@ -1,0 +1,52 @@
+#pragma once
+
+// Helpers for the tests of the project tree: a project system with a tree
+// parsed from text.
+
+#include "environment/system_macros.h"
+#include "project/project_system.h"
+#include "project/project_system_xml.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+// Made before the project system, which keeps its address.
+struct TestMacroTable {
+    SystemMacros systemMacros;
+};
+
+class TestProjectSystem : public TestMacroTable, public ProjectSystem {
+public:
+    TestProjectSystem() : ProjectSystem(&systemMacros) {}
+
+    // Makes the tree of `text` the loaded solution, as if it had been read
+    // from `fileName`.
+    ProjectElement *load(const std::string &text, const std::string &fileName = "/work/s/s.tbp") {
+        close();
+        ProjectSystemXMLPP2 document(this, macros);
+        EXPECT_TRUE(document.parse(text)) << document.errorText;
+        solution = document.projectRoot();
+        document.takeRoot();
+        if (solution)
+            solution->filePath = FilePath(fileName);
+        mapProjects();
+        trackingChanges = true;
+        return solution;
+    }
+
+    // The first node of the given display name.
+    ProjectElement *node(const std::string &name) {
+        ProjectElement *found = findElementByName(solution, name);
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+
+    // The property class of a save name.
+    PropertyClass *property(const std::string &name) {
+        PropertyClass *found = propertyClasses.propertyClass(name);
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+};

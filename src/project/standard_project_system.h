@@ -1,0 +1,14 @@
+#pragma once
+
+#include "project/project_system.h"
+#include "project/standard_property_table.h"
+
+// The project system of every toolchain: adds the tool part of the standard
+// property table to the node part that the base holds.
+class StandardProjectSystem : public ProjectSystem {
+public:
+    explicit StandardProjectSystem(SystemMacros *macros)
+        : ProjectSystem(macros), toolProperties(propertyClasses) {}
+
+    ToolProperties toolProperties;
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The items of `text` between any of the `separators`, empty items dropped.
+inline std::vector<std::string> splitAtAny(std::string_view text, std::string_view separators) {
+    std::vector<std::string> items;
+    size_t start = 0;
+    while (start <= text.size()) {
+        size_t end = text.find_first_of(separators, start);
+        if (end == std::string_view::npos)
+            end = text.size();
+        if (end > start)
+            items.emplace_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+    return items;
+}
+
+// The items joined with `separator` between them.
+inline std::string joinItems(const std::vector<std::string> &items, std::string_view separator) {
+    std::string text;
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (i)
+            text += separator;
+        text += items[i];
+    }
+    return text;
+}

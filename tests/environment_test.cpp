@@ -159,7 +159,7 @@ TEST(RootUserDirectory, EmptyOptionCountsAsNotGiven) {
     EXPECT_FALSE(box.exists("inst/bad"));
 }
 
-TEST(Installation, BuildTreeConfigurationIsRead) {
+TEST(Installation, BuildTreeHasItsConfiguration) {
     // The build tree's own bin/config.xml lies beside the program and leaves
     // the default in place.
     const std::filesystem::path program(quillmakePath());
@@ -168,7 +168,8 @@ TEST(Installation, BuildTreeConfigurationIsRead) {
 
 TEST(Installation, RootUserDirectorySetting) {
     Sandbox box;
-    const Installation inst(box, configuration("<setting name=\"root-user-dir\" value=\"$(UserHomeDir)/cfg\"/>\n"));
+    const Installation inst(box,
+                            configuration("<setting name=\"root-user-dir\" value=\"$(UserHomeDir)/cfg\"/>\n"));
     auto r = inst.build({}, {{"VELDANE_ROOT_USER_DIR", box.at("from-env")}});
     EXPECT_EQ(r.err, notLoading);
     EXPECT_EQ(r.status, 1);
@@ -190,14 +191,16 @@ TEST(Installation, EnvironmentVariable) {
 
 TEST(Installation, SystemMacro) {
     Sandbox box;
-    const Installation inst(box, configuration("<system-macro name=\"SharedPackages\" value=\"$(StudioDir)/shared\"/>\n"));
+    const Installation inst(
+        box, configuration("<system-macro name=\"SharedPackages\" value=\"$(StudioDir)/shared\"/>\n"));
     EXPECT_EQ(inst.build({"-packagesdir", "$(SharedPackages)"}).err, notLoading);
     expectFrequencies(box, "inst/shared");
 }
 
 TEST(Installation, StudioDirectory) {
     Sandbox box;
-    const Installation inst(box, configuration("<setting name=\"root-user-dir\" value=\"$(StudioDir)/users\"/>\n"));
+    const Installation inst(box,
+                            configuration("<setting name=\"root-user-dir\" value=\"$(StudioDir)/users\"/>\n"));
     EXPECT_EQ(inst.build({"-packagesdir", "$(StudioDir)/pk"}).err, notLoading);
     expectFrequencies(box, "inst/pk");
 

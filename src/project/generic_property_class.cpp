@@ -34,7 +34,9 @@ std::string bracketOption(const std::string &value)
     std::size_t close = value.find(')', open + 1);
     if (close == std::string::npos)
         return {};
-    return "-" + value.substr(open + 1, close - open - 1);
+    std::string option = "-";
+    option.append(value, open + 1, close - open - 1);
+    return option;
 }
 
 } // namespace

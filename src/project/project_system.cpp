@@ -1,9 +1,5 @@
 #include "project/project_system.h"
 
-#include "project/tree_walk.h"
-
-#include <cctype>
-
 ProjectSystem::ProjectSystem(SystemMacros *macroTable)
     : macros(macroTable), nodeProperties(propertyClasses) {
     propertyClasses.setMultipleDefinitionReport(

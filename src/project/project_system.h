@@ -6,9 +6,7 @@
 #include "project/standard_property_table.h"
 #include "support/file_time.h"
 
-#include <cstdint>
 #include <deque>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,7 +14,6 @@
 class PropertyClass;
 class ProjectLoadProgressInterface;
 class XMLDocument;
-class SystemMacros;
 
 using StringList = std::vector<std::string>;
 
@@ -262,13 +259,12 @@ public:
     // SolutionLoadError.
     ProjectElement *readSolution(const std::string &fileName,
                                  ProjectLoadProgressInterface *progress = nullptr);
-    // Write the solution file of the node; false if it can't be written.
+    // Writes the solution file of the node; false if it can't be written.
     bool saveSolution(ProjectElement *solutionElement, bool sorted);
     bool saveSolutionAs(ProjectElement *solutionElement, const std::string &fileName, bool sorted);
-    // The text that a save writes.
+    // The document that a save writes, and its text.
+    void buildSolutionDocument(XMLDocument &document, ProjectElement *solutionElement, bool sorted);
     std::string solutionText(ProjectElement *solutionElement, bool sorted);
-    // What the XML writer said about the last failed save.
-    std::string saveErrorText;
 
     // Deletes the tree and clears every list.
     void close();
@@ -295,6 +291,8 @@ public:
     std::vector<PropertyChangeListener *> propertyListeners;
     // The text of $(StudioDir).
     std::string installDirectory;
+    // What the XML writer said about the last failed save.
+    std::string saveErrorText;
 
 protected:
     static bool isKind(const ProjectElement *element, ProjectElement::NodeKind kind) {
@@ -319,7 +317,6 @@ private:
                    std::optional<std::string> &acc, PropertyTrace *trace);
     const StringList *inheritedList(ProjectElement *element, const std::string &configuration);
     XMLElement *copyTree(ProjectElement *solutionElement, bool sorted);
-    void buildSolutionDocument(XMLDocument &document, ProjectElement *solutionElement, bool sorted);
     bool writeSolution(ProjectElement *solutionElement, const std::string &fileName, bool sorted);
 
     MacroCache macroCache_;

@@ -1,5 +1,6 @@
 #include "project/project_load_progress_interface.h"
 #include "project/project_test_tree.h"
+#include "project/standard_project_system.h"
 #include "support/test_directory.h"
 
 #include <gtest/gtest.h>
@@ -337,6 +338,36 @@ TEST(ProjectTree, DeepTreesAreWalkedWithoutRecursion) {
     system.setPropertyValue(system.solution, system.property("build_quietly"), "Debug", "Yes");
     EXPECT_EQ(system.getPropertyValue(file, system.property("build_quietly"), "Debug"), "Yes");
     EXPECT_EQ(system.elementName(system.findElementByName(system.solution, "deep.c")), "deep.c");
+}
+
+TEST(ProjectTree, ProjectLanguageByTheFilesItHolds) {
+    SystemMacros macros;
+    StandardProjectSystem system(&macros);
+    ProjectSystemXMLPP2 document(&system, &macros);
+    ASSERT_TRUE(document.parse(R"(<solution Name="S">
+  <project Name="C"><file file_name="main.c" /><file file_name="x.h" /></project>
+  <project Name="Excluded">
+    <file file_name="a.cpp"><configuration Name="Debug" build_exclude_from_build="Yes" /></file>
+    <folder Name="F"><file file_name="b.cxx" /></folder>
+  </project>
+  <project Name="Typed"><file file_name="main.c"><configuration Name="Common" file_type="C++" /></file></project>
+  <project Name="Forced"><configuration Name="Common" is_cpp_project="Yes" /></project>
+</solution>)"));
+    system.solution = document.projectRoot();
+    document.takeRoot();
+    system.solution->filePath = FilePath("/work/s/s.tbp");
+    system.mapProjects();
+    const auto project = [&](const std::string &name) { return system.findProject(system.solution, name); };
+
+    EXPECT_FALSE(system.isCppProject(project("C"), "Debug"));
+    EXPECT_EQ(system.fileTypeName(system.findFileByPath(project("C"), "x.h"), "Debug"), "Header");
+    ProjectElement *excluded = project("Excluded");
+    EXPECT_EQ(system.elementName(system.findFileOfType(excluded, "Debug", "C++")), "b.cxx");
+    EXPECT_EQ(system.elementName(system.findFileOfType(excluded, "Release", "C++")), "a.cpp");
+    EXPECT_TRUE(system.isCppProject(excluded, "Debug"));
+    EXPECT_TRUE(system.isCppProject(project("Typed"), "Debug"));
+    EXPECT_TRUE(system.isCppProject(project("Forced"), "Debug"));
+    EXPECT_FALSE(system.isCppProject(nullptr, "Debug"));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "project/project_test_tree.h"
+#include "project/xml/xml_document.h"
 #include "support/exceptions.h"
 #include "support/test_directory.h"
 
@@ -283,26 +284,51 @@ TEST(SolutionFile, LargeInputsLoadAndSave) {
     EXPECT_EQ(TestDirectory::read(file).size(), text.size());
 }
 
-TEST(SolutionFile, DeepNestingLoadsAndSaves) {
-    TestDirectory directory;
-    constexpr int depth = 100000;
+std::string nestedFolders(int depth) {
     std::string text = "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"Deep\"><project Name=\"P\">";
     for (int i = 0; i < depth; ++i)
         text += "<folder Name=\"f\">";
     text += "<file file_name=\"deep.c\"/>";
     for (int i = 0; i < depth; ++i)
         text += "</folder>";
-    text += "</project></solution>";
-    const std::string file = directory.write("deep.tbp", text);
+    return text + "</project></solution>";
+}
 
+TEST(SolutionFile, DeepNestingLoadsAndIsCopied) {
+    TestDirectory directory;
+    constexpr int depth = 100000;
+    const std::string file = directory.write("deep.tbp", nestedFolders(depth));
     TestProjectSystem system;
     ProjectElement *root = system.readSolution(file);
-    ASSERT_TRUE(system.saveSolution(root, true));
-    system.close();
-    root = system.readSolution(file);
     ProjectElement *deep = ProjectSystem::findFileByPath(root, "deep.c");
     ASSERT_NE(deep, nullptr);
     EXPECT_EQ(system.absoluteFilePath(deep, "Debug"), directory / "deep.c");
+
+    // Written with its indentation the file would grow with the square of
+    // the depth, so only the document that a save writes is checked here.
+    XMLDocument document;
+    system.buildSolutionDocument(document, root, true);
+    int levels = 0;
+    const XMLNode *node = document.root;
+    for (; node->firstChild; node = node->firstChild)
+        ++levels;
+    EXPECT_EQ(levels, depth + 2);
+    EXPECT_EQ(*node->toElement()->attribute("file_name"), "deep.c");
+}
+
+TEST(SolutionFile, NestedFoldersSurviveSaveAndLoad) {
+    TestDirectory directory;
+    const std::string file = directory.write("nested.tbp", nestedFolders(1000));
+    TestProjectSystem system;
+    ASSERT_TRUE(system.saveSolution(system.readSolution(file), true));
+    const std::string saved = TestDirectory::read(file);
+    EXPECT_NE(saved.find(std::string(2 * 1001, ' ') + "<file file_name=\"deep.c\" />\n"),
+              std::string::npos);
+    ProjectElement *root = system.readSolution(file);
+    EXPECT_EQ(system.absoluteFilePath(ProjectSystem::findFileByPath(root, "deep.c"), "Debug"),
+              directory / "deep.c");
+    ASSERT_TRUE(system.saveSolution(root, true));
+    EXPECT_EQ(TestDirectory::read(file), saved);
 }
 
 } // namespace

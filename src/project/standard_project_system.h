@@ -7,8 +7,8 @@
 // property table to the node part that the base holds.
 class StandardProjectSystem : public ProjectSystem {
 public:
-    explicit StandardProjectSystem(SystemMacros *macros)
-        : ProjectSystem(macros), toolProperties(propertyClasses) {}
+    explicit StandardProjectSystem(SystemMacros *macroTable)
+        : ProjectSystem(macroTable), toolProperties(propertyClasses) {}
 
     ToolProperties toolProperties;
 };

@@ -306,6 +306,9 @@ protected:
     std::string expandGlobalMacros(const std::string &text) const;
 
 private:
+    void propertyChanged(ProjectElement *element, ProjectElement *store, PropertyClass *property,
+                         const std::string &configuration, std::optional<std::string> oldValue);
+
     struct MacroCache {
         bool enabled = false;
         const ProjectElement *element = nullptr;

@@ -223,8 +223,8 @@ TEST(PropertyClassSubclasses, Filter)
     EXPECT_EQ(filter.group(), "Folder");
     EXPECT_EQ(filter.shortText(), "Folder Filter");
     EXPECT_EQ(filter.type(), PropertyClass::String);
-    filter.setLongText("Dynamic folder filter specification - ; seperated wildcards.");
-    EXPECT_EQ(filter.longText(), "Dynamic folder filter specification - ; seperated wildcards.");
+    filter.setLongText("Wildcards of the files a dynamic folder takes, separated by ;.");
+    EXPECT_EQ(filter.longText(), "Wildcards of the files a dynamic folder takes, separated by ;.");
 }
 
 TEST(PropertyClassSubclasses, OutputFileNameFollowsTheMode)

@@ -163,6 +163,14 @@ void ProjectSystem::setPropertyValue(ProjectElement *element, PropertyClass *pro
     if (trackingChanges)
         oldValue = attribute(store, property->name());
     store->XMLElement::setAttribute(property->name(), value);
+    propertyChanged(element, store, property, configuration, std::move(oldValue));
+}
+
+// The common end of a write: the undo record and the modified flag while
+// tracking, the listeners, and the caches that the value may feed.
+void ProjectSystem::propertyChanged(ProjectElement *element, ProjectElement *store,
+                                    PropertyClass *property, const std::string &configuration,
+                                    std::optional<std::string> oldValue) {
     if (trackingChanges) {
         undoList.push_front({element, property, configuration, FileTime::now(), std::move(oldValue),
                              store->modified, true});
@@ -186,16 +194,5 @@ void ProjectSystem::clearPropertyValue(ProjectElement *element, PropertyClass *p
         return;
     std::optional<std::string> oldValue = attribute(store, property->name());
     store->removeAttribute(property->name());
-    if (trackingChanges) {
-        undoList.push_front({element, property, configuration, FileTime::now(), std::move(oldValue),
-                             store->modified, true});
-        store->modified = true;
-    }
-    if (observer)
-        observer->propertyChanged(element, configuration, property);
-    for (PropertyChangeListener *listener : propertyListeners)
-        listener->propertyChanged(element, configuration, property);
-    dropMacroCache();
-    if (trackingChanges)
-        invalidatePaths(element);
+    propertyChanged(element, store, property, configuration, std::move(oldValue));
 }

@@ -35,16 +35,9 @@ QTx::IndirectLine referenceTokens(std::string_view line) {
             }
             break;
         case Bare:
-            if (c == ' ') {
-                result.tokens.push_back(token);
-                token.clear();
-                state = Between;
-            } else {
-                token += c;
-            }
-            break;
         case Quoted:
-            if (c == '"') {
+            // A bare token ends at a blank, a quoted one at the closing quote.
+            if (c == (state == Bare ? ' ' : '"')) {
                 result.tokens.push_back(token);
                 token.clear();
                 state = Between;

@@ -20,6 +20,43 @@ declare -A target_sources=(
            src/project/xml/xml_writer.cpp"
     [indirect]="src/frontend/arg_parse.cpp
                 src/frontend/program_log.cpp"
+    [expression]="src/language/base_type.cpp
+                  src/language/c_style_lexer.cpp
+                  src/language/expression.cpp
+                  src/language/expression_parser.cpp
+                  src/language/expression_value.cpp
+                  src/language/lexer.cpp
+                  src/language/simple_expression_parser.cpp"
+    [xmlpp]="src/environment/date_time_macros.cpp
+             src/environment/system_macros.cpp
+             src/environment/user_directories.cpp
+             src/language/base_type.cpp
+             src/language/c_style_lexer.cpp
+             src/language/expression.cpp
+             src/language/expression_parser.cpp
+             src/language/expression_value.cpp
+             src/language/lexer.cpp
+             src/language/simple_expression_parser.cpp
+             src/project/macro_expansion.cpp
+             src/project/macro_property_class.cpp
+             src/project/property_class.cpp
+             src/project/xml/include_chain.cpp
+             src/project/xml/qxml_document.cpp
+             src/project/xml/xml_document.cpp
+             src/project/xml/xml_element.cpp
+             src/project/xml/xml_node.cpp
+             src/project/xml/xml_parser.cpp
+             src/project/xml/xml_pp.cpp
+             src/project/xml/xml_subtree.cpp
+             src/project/xml/xml_writer.cpp
+             src/project/xml/xmlpp2.cpp
+             src/support/exceptions.cpp
+             src/support/file_info.cpp
+             src/support/file_path.cpp
+             src/support/file_time.cpp
+             src/support/file_utils.cpp
+             src/support/normalise_path.cpp
+             src/support/trace.cpp"
 )
 
 root=$(cd "$(dirname "$0")/.." && pwd)

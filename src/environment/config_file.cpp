@@ -2,7 +2,7 @@
 
 #include "environment/system_macros.h"
 #include "environment/user_directories.h"
-#include "project/xml/qxml_document.h"
+#include "project/xml/xml_pp.h"
 #include "support/file_info.h"
 #include "support/file_utils.h"
 #include "support/trace.h"
@@ -105,9 +105,13 @@ ConfigFile &ConfigFile::instance(SystemMacros &macros) {
     return *store;
 }
 
-ConfigFile::ConfigFile(SystemMacros &macros) : document_(std::make_unique<QXMLDocument>()), macros_(macros) {}
+ConfigFile::ConfigFile(SystemMacros &macros) : reader_(std::make_unique<XmlPP>(macros)), macros_(macros) {}
 
 ConfigFile::~ConfigFile() = default;
+
+const QXMLDocument &ConfigFile::document() const {
+    return reader_->document;
+}
 
 void ConfigFile::load(const std::string &installDirectory) {
     if (loadTried_)
@@ -121,15 +125,15 @@ void ConfigFile::load(const std::string &installDirectory) {
         traceLoadError("couldn't read " + file);
         return;
     }
-    // A file without pre-processor directives reads the same through the
-    // XML pre-processor, which takes this parser's place here.
-    if (!document_->load(file)) {
-        traceLoadError(document_->errorText + " line: " + std::to_string(document_->errorLine + 1) +
-                       " column: 0");
+    // The macros of the pre-processor's conditions are its own defines;
+    // the system table serves the names of include files.
+    if (!reader_->load(file, std::string(), false)) {
+        traceLoadError(reader_->errorText + " line: " + std::to_string(reader_->errorLine) +
+                       " column: " + std::to_string(reader_->errorColumn));
         return;
     }
 
-    const ConfigurationElements elements = collectElements(document_->root);
+    const ConfigurationElements elements = collectElements(reader_->document.root);
     for (const XMLElement *element : elements.settings) {
         const std::string name = nameOf(*element);
         if (!name.empty())

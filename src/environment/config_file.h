@@ -7,6 +7,7 @@
 class QXMLDocument;
 class SystemMacros;
 class XMLElement;
+class XmlPP;
 
 // The installation's bin/config.xml: settings that the installation fixes,
 // system macros it adds, and environment variables it sets for the program
@@ -33,11 +34,12 @@ public:
     // The value of the setting `name`, else `defaultValue`.
     std::string setting(const std::string &name, const std::string &defaultValue) const;
 
-    // The parsed file; its root is null if there is none.
-    const QXMLDocument &document() const { return *document_; }
+    // The parsed and pre-processed file; its root is null if there is none.
+    const QXMLDocument &document() const;
 
 private:
-    std::unique_ptr<QXMLDocument> document_;
+    // The pre-processor and the document it holds.
+    std::unique_ptr<XmlPP> reader_;
     bool loadTried_ = false;
     std::map<std::string, std::string> settings_;
     SystemMacros &macros_;

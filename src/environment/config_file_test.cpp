@@ -144,6 +144,19 @@ TEST_F(Configuration, TheDocumentIsKept) {
     EXPECT_EQ(*setting->attribute("value"), "/p");
 }
 
+TEST_F(Configuration, TheFileIsPreProcessed) {
+    scratch.write("inst/bin/local.xml", "<group>\n  <setting name=\"included\" value=\"$(StudioDir)/i\"/>\n</group>\n");
+    load("  <define_macro name=\"Kind\" value=\"full\"/>\n"
+         "  <if Kind=\"full\"><setting name=\"a\" value=\"full\"/></if>\n"
+         "  <ifnot Kind=\"full\"><setting name=\"a\" value=\"lite\"/></ifnot>\n"
+         "  <include filename=\"local.xml\" no_root=\"\"/>\n"
+         "  <setting name=\"b\" value=\"$(Kind)\" expand_attributes=\"value\"/>\n");
+    EXPECT_EQ(config.setting("a", "x"), "full");
+    EXPECT_EQ(config.setting("included", "x"), install + "/i");
+    EXPECT_EQ(config.setting("b", "x"), "full");
+    EXPECT_EQ(traced(), "");
+}
+
 TEST_F(Configuration, AMissingFileIsNoError) {
     config.load(install);
     EXPECT_EQ(config.document().root, nullptr);

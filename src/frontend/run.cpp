@@ -2,18 +2,22 @@
 
 #include "environment/install_location.h"
 #include "environment/system_macros.h"
+#include "frontend/console_progress.h"
 #include "frontend/program_log.h"
 #include "frontend/quillmake_arg_parse.h"
+#include "frontend/selection.h"
+#include "project/property_group_files.h"
+#include "project/standard_project_system.h"
 #include "support/exceptions.h"
+#include "support/file_info.h"
 #include "support/lock_file.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <unistd.h>
 #include <vector>
-
-class ProjectElement;
 
 std::string templatesFileText(const std::optional<std::string> &templatesFileOption, bool host) {
     if (!text(templatesFileOption).empty())
@@ -81,21 +85,94 @@ void addMacros(const QuillmakeArgParse &args, SystemMacros &macros) {
         macros.globalMacros()[name] = text(value);
 }
 
-// Steps 9 and 10. The warning object and the one project system of the run
-// (hosted GNU tools with -host, ARM otherwise) are made here.
-void createProjectSystem(const QuillmakeArgParse &, const std::string & /*templatesFile*/) {}
+// Step 10. Until the toolchains exist, both kinds of run get the standard
+// property table under their toolchain's platform, so that solution files
+// load and list as they will; building says that it isn't available.
+class ConsoleProjectSystem : public StandardProjectSystem {
+public:
+    ConsoleProjectSystem(SystemMacros *macroTable, bool host)
+        : StandardProjectSystem(macroTable), host_(host) {}
+    std::string platformName() const override { return host_ ? "LINUX" : "ARM"; }
+    int platformCode() const override { return host_ ? 15 : 8; }
+
+private:
+    bool host_;
+};
+
+std::unique_ptr<ProjectSystem> createProjectSystem(const QuillmakeArgParse &args,
+                                                   SystemMacros &macros,
+                                                   ProjectSystemHelpers *warning) {
+    auto system = std::make_unique<ConsoleProjectSystem>(&macros, args.host);
+    system->installDirectory = installDirectory();
+    system->helpers = warning;
+    return system;
+}
+
+long elapsedMilliseconds(std::chrono::steady_clock::time_point start) {
+    return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                 std::chrono::steady_clock::now() - start)
+                                 .count());
+}
 
 // Step 12: the tree of the run and its selected element.
-ProjectElement *getTree(const QuillmakeArgParse &args) {
-    if (!text(args.solutionFile).empty())
-        throw HException("loading solution files is not available yet");
-    throw HException("creating projects from a template or type is not available yet");
+ProjectElement *getTree(const QuillmakeArgParse &args, ProjectSystem &system) {
+    if (text(args.solutionFile).empty())
+        throw HException("creating projects from a template or type is not available yet");
+    QuillmakeProjectLoadProgress progress(true);
+    const auto start = std::chrono::steady_clock::now();
+    ProjectElement *selected =
+        system.loadSolution(FileInfo(*args.solutionFile).absoluteFilePath(), nullptr, nullptr,
+                          &progress, true);
+    if (args.time) {
+        const bool exporting = args.exportBuild || args.exportParallelBuild;
+        std::fprintf(exporting ? stderr : stdout, "solution load time %ld seconds\n",
+                     elapsedMilliseconds(start) / 1000);
+    }
+    std::fflush(stdout);
+    if (!text(args.projectName).empty()) {
+        selected = selectProject(system, selected, *args.projectName, std::cout);
+        if (!selected)
+            endProgram(1);
+    }
+    if (!text(args.solutionName).empty()) {
+        selected = selectSolution(system, *args.solutionName, std::cout);
+        if (!selected)
+            endProgram(1);
+    }
+    return selected;
 }
 
 // Steps 13 to 18 on the selected element: -property and -sproperty, the check
 // of the configuration, -showconfigs, the export run, and the packages
-// directory of the solution. They come with the project model.
-void prepareSelection(QuillmakeArgParse &, ProjectElement *) {}
+// directory of the solution.
+void prepareSelection(const QuillmakeArgParse &args, ProjectSystem &system,
+                      ProjectElement *selected) {
+    const std::string &configuration = text(args.configuration);
+    for (const std::string &entry : args.projectProperties) {
+        if (!setCommandLineProperty(system, selected, configuration, entry, std::cout))
+            endProgram(1);
+    }
+    const std::string &solutionConfiguration =
+        text(args.solutionConfiguration).empty() ? configuration : *args.solutionConfiguration;
+    for (const std::string &entry : args.solutionProperties)
+        setSolutionProperty(system, solutionConfiguration, entry);
+
+    if (!checkConfiguration(system, selected, configuration, std::cout))
+        endProgram(1);
+    if (args.showConfigurations) {
+        showConfigurations(system, selected, configuration, args.batch, std::cout);
+        endProgram(0);
+    }
+    if (args.exportBuild || args.exportParallelBuild)
+        throw HException("exporting a build is not available yet");
+
+    const std::optional<std::string> packages = system.getExpandedPropertyValue(
+        system.rootOf(), system.nodeProperties.packageDirectory, configuration);
+    if (packages && !packages->empty()) {
+        setPackagesDirectory(*system.macros, *packages);
+        system.propertyGroupFiles().packageLibraries.scanned = false;
+    }
+}
 
 // Steps 21 to 25: the builders, the idler and the build itself; returns the
 // sum of the builders' error counts.
@@ -125,13 +202,15 @@ int run(int argc, char **argv) {
     // 8.
     const std::string templatesFile = templatesFileText(args.templatesFile, args.host);
     // 9-10.
-    createProjectSystem(args, templatesFile);
+    QuillmakeWarning warning(args.noStderr);
+    std::unique_ptr<ProjectSystem> system = createProjectSystem(args, macros, &warning);
+    (void)templatesFile;
     // 11.
     const BuildFlags flags = fixBuildFlags(args);
     // 12.
-    ProjectElement *selected = getTree(args);
+    ProjectElement *selected = getTree(args, *system);
     // 13-18.
-    prepareSelection(args, selected);
+    prepareSelection(args, *system, selected);
     // 19.
     const unsigned threads = threadCount(args.threadCount);
     // 20.

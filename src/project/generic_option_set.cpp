@@ -52,6 +52,7 @@ GenericOptionSet::GenericOptionSet(XMLElement &root)
             element->parent = nullptr;
             element->nextSibling = nullptr;
             groups_.emplace_back(element);
+            groupClasses_.push_back(std::make_unique<PropertyValueGroupClass>(element, false));
             if (const std::string *value = element->attribute("default")) {
                 const std::string *name = element->attribute("name");
                 overrides_.push_back({name ? *name : std::string(), *value});
@@ -97,6 +98,8 @@ void GenericOptionSet::activate(PropertyClassMap &map)
     active_ = true;
     for (const auto &property : properties_)
         replaced_.push_back(map.addPropertyClass(property.get()));
+    for (const auto &group : groupClasses_)
+        replaced_.push_back(map.addPropertyClass(group.get()));
     for (std::size_t tool = 0; tool < toolCount; ++tool) {
         for (GenericPropertyClass *property : tools_[tool]) {
             for (int step : stepsOf(static_cast<Tool>(tool)))
@@ -126,7 +129,10 @@ void GenericOptionSet::deactivate(PropertyClassMap &map)
                 map.removeToolProperty(property, step);
         }
     }
-    for (std::size_t index = properties_.size(); index-- > 0;)
+    const std::size_t options = properties_.size();
+    for (std::size_t index = groupClasses_.size(); index-- > 0;)
+        map.removePropertyClass(groupClasses_[index].get(), replaced_[options + index]);
+    for (std::size_t index = options; index-- > 0;)
         map.removePropertyClass(properties_[index].get(), replaced_[index]);
     replaced_.clear();
 }

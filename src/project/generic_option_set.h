@@ -1,6 +1,7 @@
 #pragma once
 
 #include "project/generic_property_class.h"
+#include "project/property_group_files.h"
 
 #include <array>
 #include <memory>
@@ -42,12 +43,15 @@ public:
     // file order.
     const std::vector<DefaultOverride> &defaultOverrides() const { return overrides_; }
     const std::vector<std::unique_ptr<XMLElement>> &groupElements() const { return groups_; }
+    // One property group for each of groupElements(), in file order.
+    const std::vector<std::unique_ptr<PropertyValueGroupClass>> &groupClasses() const {
+        return groupClasses_;
+    }
 
-    // Registers every option, enters it in the step lists (assembler 4,
-    // compiler 2 and 3, C compiler 2, C++ compiler 3, linker 7) and applies
-    // the default overrides to the properties that map knows; unknown names
-    // are skipped. Classes made from groupElements() must be registered
-    // before, for their overrides to apply.
+    // Registers every option and group, enters the options in the step
+    // lists (assembler 4, compiler 2 and 3, C compiler 2, C++ compiler 3,
+    // linker 7) and applies the default overrides to the properties that
+    // map knows; unknown names are skipped.
     void activate(PropertyClassMap &map);
     // Undoes activate: defaults back, options out of the lists and the map.
     void deactivate(PropertyClassMap &map);
@@ -63,9 +67,11 @@ private:
     std::array<std::vector<GenericPropertyClass *>, toolCount> tools_;
     std::vector<DefaultOverride> overrides_;
     std::vector<std::unique_ptr<XMLElement>> groups_;
+    std::vector<std::unique_ptr<PropertyValueGroupClass>> groupClasses_;
 
     bool active_ = false;
-    // Per property, the class that had its name before activation.
+    // Per option, then per group, the class that had its name before
+    // activation.
     std::vector<PropertyClass *> replaced_;
     std::vector<AppliedOverride> applied_;
 };

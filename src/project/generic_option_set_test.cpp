@@ -137,17 +137,28 @@ TEST(GenericOptionSet, ActivationRegistersAndDeactivationRestores)
     EXPECT_EQ(map.size(), 2u);
 }
 
-TEST(GenericOptionSet, GroupOverrideAppliesToAClassRegisteredBeforeActivation)
+TEST(GenericOptionSet, GroupsBecomePropertyGroupsWhileActive)
 {
     Sample sample;
     PropertyClassMap map;
-    PropertyClass group("gen_group", PropertyClass::Enumeration, {"First", "Second"}, "", "", "",
-                        "", "", "First", 0, 0);
-    map.addPropertyClass(&group);
+    PropertyClass earlier("gen_group", PropertyClass::String, "", "", "", "", "earlier");
+    map.addPropertyClass(&earlier);
+    const auto &groups = sample.set->groupClasses();
+    ASSERT_EQ(groups.size(), 2u);
+    EXPECT_EQ(groups[0]->groupElement(), sample.set->groupElements()[0].get());
+    EXPECT_FALSE(groups[0]->fromLibrary());
+    EXPECT_EQ(groups[0]->values(), Strings{"First"});
+
+    // The group takes the name, and its own default override holds.
     sample.set->activate(map);
-    EXPECT_EQ(group.defaultValue(), "Second");
+    EXPECT_EQ(map.propertyClass("gen_group"), groups[0].get());
+    EXPECT_EQ(map.propertyClass("gen_group_without_default"), groups[1].get());
+    EXPECT_EQ(groups[0]->defaultValue(), "Second");
     sample.set->deactivate(map);
-    EXPECT_EQ(group.defaultValue(), "First");
+    EXPECT_EQ(map.propertyClass("gen_group"), &earlier);
+    EXPECT_EQ(map.propertyClass("gen_group_without_default"), nullptr);
+    EXPECT_EQ(earlier.defaultValue(), "earlier");
+    EXPECT_EQ(groups[0]->defaultValue(), "Second");
 }
 
 TEST(GenericOptionSet, EmptyRoot)

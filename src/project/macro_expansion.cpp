@@ -68,6 +68,15 @@ const std::string *lookUp(const MacroMap &map, std::string_view name) {
     return found == map.end() ? nullptr : &found->second;
 }
 
+class MapSource : public MacroSource {
+public:
+    explicit MapSource(const MacroMap &map) : map_(map) {}
+    const std::string *find(std::string_view name) override { return lookUp(map_, name); }
+
+private:
+    const MacroMap &map_;
+};
+
 bool isBeingExpanded(const std::vector<Level> &levels, const std::string *value) {
     for (const Level &level : levels) {
         if (level.value == value)
@@ -84,6 +93,12 @@ std::string expandMacrosWith(const SystemMacros &macros, const MacroMap &localMa
 }
 
 std::string expandMacrosWith(const SystemMacros &macros, const MacroMap &localMap, std::string_view text,
+                             bool useGlobal, bool useSystem, const MacroExpansionLimits &limits) {
+    MapSource source(localMap);
+    return expandMacrosWith(macros, source, text, useGlobal, useSystem, limits);
+}
+
+std::string expandMacrosWith(const SystemMacros &macros, MacroSource &local, std::string_view text,
                              bool useGlobal, bool useSystem, const MacroExpansionLimits &limits) {
     const char macroCharacter = macros.macroCharacter();
     if (text.find(macroCharacter) == npos)
@@ -138,7 +153,7 @@ std::string expandMacrosWith(const SystemMacros &macros, const MacroMap &localMa
             continue;
         const std::string_view written = current.substr(start, reference.end - start);
 
-        const std::string *value = lookUp(localMap, reference.name);
+        const std::string *value = local.find(reference.name);
         if (!value && useGlobal)
             value = lookUp(macros.globalMacros(), reference.name);
         if (!value && useSystem)

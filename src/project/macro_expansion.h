@@ -36,11 +36,25 @@ struct MacroExpansionLimits {
     std::size_t size = std::size_t(1) << 26;
 };
 
+// A table of local macros that may compute its values when they are asked
+// for. A value it returns must stay in place until the expansion ends: the
+// expansion tells a macro from another by the address of its value.
+class MacroSource {
+public:
+    virtual ~MacroSource() = default;
+    virtual const std::string *find(std::string_view name) = 0;
+};
+
 std::string expandMacrosWith(const SystemMacros &macros, const MacroMap &localMap, std::string_view text,
                              bool useGlobal, bool useSystem);
 // The same with other bounds.
 std::string expandMacrosWith(const SystemMacros &macros, const MacroMap &localMap, std::string_view text,
                              bool useGlobal, bool useSystem, const MacroExpansionLimits &limits);
+
+// The same with the local macros of a source.
+std::string expandMacrosWith(const SystemMacros &macros, MacroSource &local, std::string_view text,
+                             bool useGlobal, bool useSystem,
+                             const MacroExpansionLimits &limits = MacroExpansionLimits());
 
 // With the global and the system macros.
 std::string expandMacros(const SystemMacros &macros, std::string_view text);

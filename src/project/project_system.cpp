@@ -1,7 +1,11 @@
 #include "project/project_system.h"
 
+#include "project/project_macro_source.h"
+#include "project/property_group_files.h"
+
 ProjectSystem::ProjectSystem(SystemMacros *macroTable)
-    : macros(macroTable), nodeProperties(propertyClasses) {
+    : macros(macroTable), nodeProperties(propertyClasses),
+      groupFiles_(std::make_unique<PropertyGroupFiles>(this)) {
     propertyClasses.setMultipleDefinitionReport(
         [this](const std::string &title, const StringList &names) {
             if (observer)

@@ -1,17 +1,29 @@
 #pragma once
 
 #include "environment/system_macros.h"
+#include "project/generic_option_set.h"
 #include "project/project_element.h"
 #include "project/property_class_map.h"
+#include "project/property_value.h"
 #include "project/standard_property_table.h"
 #include "support/file_time.h"
 
+#include <cstdint>
 #include <deque>
+#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 class PropertyClass;
+class PropertyGroupFiles;
+class PropertyValueGroupClass;
+class PropertyValueGroupFile;
+class ProjectFileNotFoundErrorHandler;
+class TemplateNotFoundErrorHandler;
+class ProjectMacroSource;
+class ProjectSystemHelpers;
 class ProjectLoadProgressInterface;
 class XMLDocument;
 
@@ -36,6 +48,11 @@ public:
     virtual ~PropertyChangeListener() = default;
     virtual void propertyChanged(ProjectElement *element, const std::string &configuration,
                                  PropertyClass *property) = 0;
+    // May add lines to the listing of a node, behind those of the project
+    // system.
+    virtual void appendPropertyValues(ProjectElement * /*element*/,
+                                      const std::string & /*configuration*/,
+                                      PropertyValueList & /*list*/) {}
 };
 
 // Where one part of a looked-up value came from. A default or a value of the
@@ -96,6 +113,9 @@ public:
     // Adds the macros that name the tools.
     virtual void addToolMacros(ProjectElement *element, const std::string &configuration,
                                MacroMap &map);
+    // False for every name that addToolMacros never adds, so that expanding
+    // other names needn't make the tool macros.
+    virtual bool mayBeToolMacro(std::string_view name) const;
     // A value for a property that no store holds; false lets the class's
     // default stand.
     virtual bool defaultPropertyValue(ProjectElement *element, const std::string &configuration,
@@ -118,6 +138,113 @@ public:
     // The directory of a node: its project's for files and folders.
     virtual std::string elementDirectory(ProjectElement *element);
     virtual std::string platformOf(ProjectElement *element, const std::string &configuration);
+    // The save name that a property group item's property name stands for;
+    // here the name itself.
+    virtual std::string resolvePropertyName(ProjectElement *element, const std::string &name);
+
+    // ---- Property listing: which properties a node of a given kind and
+    // project type takes. The append operations add the classes of one kind
+    // of node to the caller's list; here they add nothing, the toolchains
+    // fill them in. A class may be added more than once: the listing keeps
+    // one line per name.
+
+    using PropertyClassList = std::vector<PropertyClass *>;
+
+    // The lines of a node, for listing and generic editing.
+    virtual PropertyValueList getPropertyValues(ProjectElement *element,
+                                                const std::string &configuration);
+    // The tool part of the lines, in the order of the save names.
+    virtual PropertyValueList toolPropertyValues(ProjectElement *element,
+                                                 const std::string &configuration);
+    // One line for each loader property.
+    virtual PropertyValueList loaderPropertyValues(ProjectElement *element,
+                                                   const std::string &configuration);
+    virtual void appendProjectTypeProperties(ProjectElement *element,
+                                             const std::string &configuration,
+                                             PropertyClassList &set, const std::string &type);
+    // True for the toolchain that builds for the machine it runs on.
+    virtual bool isHostedToolchain() const;
+    virtual void appendCProperties(ProjectElement *element, const std::string &configuration,
+                                   PropertyClassList &list);
+    virtual void appendCppProperties(ProjectElement *element, const std::string &configuration,
+                                     PropertyClassList &list);
+    virtual void appendAssemblerProperties(ProjectElement *element,
+                                           const std::string &configuration,
+                                           PropertyClassList &list);
+    virtual void appendSourceFileProperties(ProjectElement *element,
+                                            const std::string &configuration,
+                                            PropertyClassList &list);
+    virtual void appendLinkerProperties(ProjectElement *element, const std::string &configuration,
+                                        PropertyClassList &list);
+    virtual void appendDebugProperties(ProjectElement *element, const std::string &configuration,
+                                       PropertyClassList &list);
+    virtual void appendLibraryProperties(ProjectElement *element, const std::string &configuration,
+                                         PropertyClassList &list);
+    virtual void appendToolchainProperties(ProjectElement *element,
+                                           const std::string &configuration,
+                                           PropertyClassList &list);
+    // The toolchain's language options, for the files of externally built
+    // projects.
+    virtual void appendLanguageProperties(ProjectElement *element,
+                                          const std::string &configuration,
+                                          PropertyClassList &list);
+
+    // ---- Generic option files: extra tool options that a project names in
+    // build_generic_options_file_name, else the toolchain's standard file.
+
+    // Makes the file of the node the active set, reading it on first use.
+    void loadGenericOptions(ProjectElement *element, const std::string &configuration);
+    // Null if no file is active or the active file couldn't be read.
+    GenericOptionSet *activeGenericOptions() const { return genericOptions_.active; }
+    // The toolchain's standard file, unexpanded; empty for none.
+    std::string genericOptionsFileName;
+
+    // ---- Property groups: named choices, defined in group files, that
+    // contribute macros, include directories, defines, libraries and
+    // packages, and may set properties and add files when chosen.
+
+    // The loaded group file of that name, read again when it has changed;
+    // null for an empty name, "None" and a file that can't be read.
+    PropertyValueGroupFile *findGroupFile(const std::string &fileName);
+    // The group file that the node's property_groups_file_path names.
+    PropertyValueGroupFile *groupFileOf(ProjectElement *element, const std::string &configuration);
+    // The groups of projectFile and of the library directories, first the
+    // one that wins.
+    std::vector<PropertyValueGroupClass *> groupClasses(PropertyValueGroupFile *projectFile,
+                                                        bool includeAll);
+    // The first group of the name whose target is 0 or `target`.
+    PropertyValueGroupClass *findGroup(PropertyValueGroupFile *projectFile, const std::string &name,
+                                       std::uint32_t target, bool includeAll);
+    // findGroup with the node's group file and the toolchain's target.
+    PropertyValueGroupClass *findGroupForNode(ProjectElement *element,
+                                              const std::string &configuration,
+                                              const std::string &name, bool includeAll);
+    // Chooses an entry of the group for the node, as a property browser
+    // would: the entry's property and file items are applied.
+    void setGroupValue(ProjectElement *element, const std::string &configuration,
+                       PropertyValueGroupClass *group, const std::string &value);
+    // The <groupEntry> of that name, or null.
+    static XMLElement *groupEntry(const PropertyValueGroupClass *group, std::string_view entryName);
+    // True if an entry of the group has a <cdefine> item.
+    static bool hasDefines(const PropertyValueGroupClass *group);
+    // True if the item's selectors (configuration, property and
+    // property_value) let it apply to the node; testConfiguration false
+    // passes over `configuration`. `file` is the node's group file.
+    bool groupItemApplies(ProjectElement *element, const std::string &configuration,
+                          const XMLElement &item, PropertyValueGroupFile *file,
+                          bool testConfiguration = true);
+    // The property that an item names: a class of the map, else a group;
+    // null if neither knows the name.
+    PropertyClass *groupItemProperty(ProjectElement *element, const std::string &name,
+                                     PropertyValueGroupFile *file);
+    // The contributions of the chosen entries, appended to the list or map.
+    void addGroupMacros(PropertyValueGroupFile *file, ProjectElement *element,
+                        const std::string &configuration, MacroMap &map);
+    void groupIncludes(ProjectElement *element, const std::string &configuration, StringList &list);
+    void groupDefines(ProjectElement *element, const std::string &configuration, StringList &list);
+    void groupLibraries(ProjectElement *element, const std::string &configuration, StringList &list);
+    void groupPackages(ProjectElement *element, const std::string &configuration, StringList &list);
+    PropertyGroupFiles &propertyGroupFiles() { return *groupFiles_; }
 
     // ---- Kinds and navigation. Nodes that aren't ProjectElements, such as
     // comments, are passed over.
@@ -255,10 +382,31 @@ public:
 
     // ---- Solution files.
 
-    // Reads a solution file and makes its tree the root; throws
-    // SolutionLoadError.
-    ProjectElement *readSolution(const std::string &fileName,
-                                 ProjectLoadProgressInterface *progress = nullptr);
+    // The whole load of a solution file: the file and its imports, load
+    // commands, templated projects, the maps, dynamic folders and the
+    // environment. The tree becomes the root; throws SolutionLoadError.
+    ProjectElement *loadSolution(const std::string &fileName,
+                                 ProjectFileNotFoundErrorHandler *fileNotFoundHandler = nullptr,
+                                 TemplateNotFoundErrorHandler *templateHandler = nullptr,
+                                 ProjectLoadProgressInterface *progress = nullptr,
+                                 bool checkTarget = false);
+    // One file with the files it imports; returns its root, which the
+    // caller owns. `macroText` starts the pre-processor's macros.
+    ProjectElement *readSolutionFile(const std::string &baseDirectory, const std::string &fileName,
+                                     ProjectFileNotFoundErrorHandler *fileNotFoundHandler,
+                                     ProjectLoadProgressInterface *progress,
+                                     const std::string *macroText);
+    // Adds a solution file below `parent` after the load.
+    ProjectElement *importSolution(ProjectElement *parent, const std::string &fileName,
+                                   ProjectFileNotFoundErrorHandler *fileNotFoundHandler,
+                                   ProjectLoadProgressInterface *progress);
+    // Fills a dynamic folder from the directories of its `path`.
+    void populateFolder(ProjectElement *folder, const std::string &configuration);
+    void scanDirectory(ProjectElement *folder, const std::string &directory,
+                       const std::string &displayPath, const StringList &filter, bool recurse,
+                       const StringList &exclude);
+    // Brings a loaded tree up to date with the toolchain.
+    virtual void migrateElement(ProjectElement *root);
     // Writes the solution file of the node; false if it can't be written.
     bool saveSolution(ProjectElement *solutionElement, bool sorted);
     bool saveSolutionAs(ProjectElement *solutionElement, const std::string &fileName, bool sorted);
@@ -288,9 +436,16 @@ public:
     // Off while a load runs: a node read from file isn't modified.
     bool trackingChanges = false;
     ProjectSystemObserver *observer = nullptr;
+    // The front end's warning object; none in tests.
+    ProjectSystemHelpers *helpers = nullptr;
     std::vector<PropertyChangeListener *> propertyListeners;
     // The text of $(StudioDir).
     std::string installDirectory;
+    // The solution file of the last load and when it was loaded.
+    std::string currentSolutionFile;
+    FileTime loadTime;
+    // The project templates named by the solution's templates_file.
+    std::string templatesFilePath;
     // What the XML writer said about the last failed save.
     std::string saveErrorText;
 
@@ -306,15 +461,21 @@ protected:
     std::string expandGlobalMacros(const std::string &text) const;
 
 private:
+    void expandTemplatedProjects(TemplateNotFoundErrorHandler *templateHandler,
+                                 ProjectLoadProgressInterface *progress);
     void propertyChanged(ProjectElement *element, ProjectElement *store, PropertyClass *property,
                          const std::string &configuration, std::optional<std::string> oldValue);
 
+    // One node's macro source, kept while the cache is on. An expansion
+    // holds its own reference, since computing a macro may expand another
+    // node's text and so replace the cached source.
     struct MacroCache {
         bool enabled = false;
         const ProjectElement *element = nullptr;
-        std::string configuration;
-        MacroMap map;
+        std::shared_ptr<ProjectMacroSource> source;
     };
+    std::shared_ptr<ProjectMacroSource> cachedMacroSource(ProjectElement *element,
+                                                          const std::string &configuration);
 
     bool readStore(ProjectElement *element, const std::string &name, PropertyClass *property,
                    std::optional<std::string> &acc, PropertyTrace *trace);
@@ -323,4 +484,17 @@ private:
     bool writeSolution(ProjectElement *solutionElement, const std::string &fileName, bool sorted);
 
     MacroCache macroCache_;
+    std::unique_ptr<PropertyGroupFiles> groupFiles_;
+
+    // The generic option files read so far, by expanded name; null for a
+    // file that couldn't be read.
+    struct GenericOptions {
+        std::string activeName;
+        GenericOptionSet *active = nullptr;
+        std::map<std::string, std::unique_ptr<GenericOptionSet>, std::less<>> sets;
+        // genericOptionsFileName as last expanded, and the expansion.
+        std::optional<std::string> standardText;
+        std::string standardName;
+    };
+    GenericOptions genericOptions_;
 };

@@ -1,35 +1,42 @@
 #pragma once
 
 #include "project/project_element.h"
-#include "project/xml/qxml_document.h"
+#include "project/xml/xmlpp2.h"
 
 #include <string>
 #include <string_view>
 
+class ProjectLoadProgressInterface;
 class ProjectSystem;
 class SystemMacros;
 
 // The document that reads a solution file: every element it creates is a
-// ProjectElement of the project system, and after a parse the configuration
-// children of every node are entered in the node's map, the first of a name
-// winning.
-class ProjectSystemXMLPP2 : public QXMLDocument {
+// ProjectElement of the project system, the tree is pre-processed, and then
+// the configuration children of every node are entered in the node's map,
+// the first of a name winning.
+class ProjectSystemXMLPP2 : public XMLPP2 {
 public:
-    ProjectSystemXMLPP2(ProjectSystem *projectSystem, SystemMacros *macros,
+    ProjectSystemXMLPP2(ProjectSystem *projectSystem, SystemMacros *macroTable,
                         bool keepCharacterData = false)
-        : QXMLDocument(keepCharacterData), projectSystem_(projectSystem), macros_(macros) {}
+        : XMLPP2(macroTable, keepCharacterData), projectSystem_(projectSystem) {}
 
     XMLElement *createElement(std::string_view tagName) override;
+    // A line for the load progress, if there is one; else the trace.
+    void warning(const std::string &text) override;
 
+    // Parse and pre-process; `macroText` starts the local macros.
     bool parse(const std::string &text);
-    bool load(const std::string &fileName);
+    bool load(const std::string &fileName, const std::string &macroText = std::string(),
+              bool expandAttributes = false);
 
     // The root as the node it is; null if there is none.
     ProjectElement *projectRoot() const { return ProjectElement::from(root); }
+
+    // Where warnings go while a solution loads.
+    ProjectLoadProgressInterface *progress = nullptr;
 
 private:
     bool mapRoot(bool parsed);
 
     ProjectSystem *projectSystem_;
-    SystemMacros *macros_;
 };

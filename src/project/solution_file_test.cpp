@@ -82,7 +82,7 @@ TEST(SolutionFile, SortedSaveOfAnUnchangedFileIsIdentical) {
     TestDirectory directory;
     const std::string file = directory.write("blink.tbp", blinkSorted);
     TestProjectSystem system;
-    ProjectElement *root = system.readSolution(file);
+    ProjectElement *root = system.loadSolution(file);
     EXPECT_FALSE(ProjectSystem::isModified(root, true));
     ASSERT_TRUE(system.saveSolution(root, true));
     EXPECT_EQ(TestDirectory::read(file), blinkSorted);
@@ -199,7 +199,7 @@ TEST(SolutionFile, ValuesSurviveSaveAndLoadByteForByte) {
         << text;
 
     TestProjectSystem system;
-    ProjectElement *root = system.readSolution(file);
+    ProjectElement *root = system.loadSolution(file);
     EXPECT_EQ(ProjectSystem::getOwnPropertyValue(root, system.nodeProperties.buildQuietly, "Common"),
               value);
     ASSERT_TRUE(system.saveSolution(root, true));
@@ -213,7 +213,7 @@ TEST(SolutionFile, OldVersionLoadsUnmodifiedAndIsSavedAsTwo) {
 <solution Name="Old" version="1"><project Name="P"/></solution>
 )");
     TestProjectSystem system;
-    ProjectElement *root = system.readSolution(file);
+    ProjectElement *root = system.loadSolution(file);
     EXPECT_EQ(*root->attribute("version"), "2");
     EXPECT_FALSE(ProjectSystem::isModified(root, true));
     EXPECT_TRUE(system.trackingChanges);
@@ -233,7 +233,7 @@ TEST(SolutionFile, ReadErrors) {
     TestProjectSystem system;
     const auto error = [&](const std::string &file) {
         try {
-            system.readSolution(file);
+            system.loadSolution(file);
         } catch (const SolutionLoadError &e) {
             EXPECT_EQ(e.detail(), file);
             return std::string(e.isBadXml() ? "xml:" : "") + e.message();
@@ -275,7 +275,7 @@ TEST(SolutionFile, LargeInputsLoadAndSave) {
     const std::string file = directory.write("big.tbp", text);
 
     TestProjectSystem system;
-    ProjectElement *root = system.readSolution(file);
+    ProjectElement *root = system.loadSolution(file);
     EXPECT_EQ(root->configurations.size(), 10000u);
     EXPECT_EQ(system.configurationNames(root, ProjectSystem::PublicConfigurations).size(), 10000u);
     ASSERT_TRUE(system.saveSolution(root, false));
@@ -299,7 +299,7 @@ TEST(SolutionFile, DeepNestingLoadsAndIsCopied) {
     constexpr int depth = 100000;
     const std::string file = directory.write("deep.tbp", nestedFolders(depth));
     TestProjectSystem system;
-    ProjectElement *root = system.readSolution(file);
+    ProjectElement *root = system.loadSolution(file);
     ProjectElement *deep = ProjectSystem::findFileByPath(root, "deep.c");
     ASSERT_NE(deep, nullptr);
     EXPECT_EQ(system.absoluteFilePath(deep, "Debug"), directory / "deep.c");
@@ -320,11 +320,11 @@ TEST(SolutionFile, NestedFoldersSurviveSaveAndLoad) {
     TestDirectory directory;
     const std::string file = directory.write("nested.tbp", nestedFolders(1000));
     TestProjectSystem system;
-    ASSERT_TRUE(system.saveSolution(system.readSolution(file), true));
+    ASSERT_TRUE(system.saveSolution(system.loadSolution(file), true));
     const std::string saved = TestDirectory::read(file);
     EXPECT_NE(saved.find(std::string(2 * 1001, ' ') + "<file file_name=\"deep.c\" />\n"),
               std::string::npos);
-    ProjectElement *root = system.readSolution(file);
+    ProjectElement *root = system.loadSolution(file);
     EXPECT_EQ(system.absoluteFilePath(ProjectSystem::findFileByPath(root, "deep.c"), "Debug"),
               directory / "deep.c");
     ASSERT_TRUE(system.saveSolution(root, true));

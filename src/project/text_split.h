@@ -19,6 +19,24 @@ inline std::vector<std::string> splitAtAny(std::string_view text, std::string_vi
     return items;
 }
 
+// The items of `text` between occurrences of `separator`, empty items
+// dropped.
+inline std::vector<std::string> splitAtText(std::string_view text, std::string_view separator) {
+    std::vector<std::string> items;
+    size_t start = 0;
+    while (start <= text.size()) {
+        size_t end = separator.empty() ? std::string_view::npos : text.find(separator, start);
+        if (end == std::string_view::npos)
+            end = text.size();
+        if (end > start)
+            items.emplace_back(text.substr(start, end - start));
+        start = end + separator.size();
+        if (separator.empty())
+            break;
+    }
+    return items;
+}
+
 // The items joined with `separator` between them.
 inline std::string joinItems(const std::vector<std::string> &items, std::string_view separator) {
     std::string text;

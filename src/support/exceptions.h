@@ -39,14 +39,18 @@ private:
 // well-formed XML; detail names the file.
 class SolutionLoadError {
 public:
-    SolutionLoadError(std::string message, bool badXml, std::string detail)
-        : message_(std::move(message)), badXml_(badXml), detail_(std::move(detail)) {}
+    SolutionLoadError(std::string message, bool badXml, std::string detail, int line = -1)
+        : message_(std::move(message)), badXml_(badXml), detail_(std::move(detail)), line_(line) {}
     const std::string &message() const { return message_; }
     bool isBadXml() const { return badXml_; }
+    // The file that failed, or what stands in its place in the message.
     const std::string &detail() const { return detail_; }
+    // The line of an XML error; -1 for other failures.
+    int line() const { return line_; }
 
 private:
     std::string message_;
     bool badXml_;
     std::string detail_;
+    int line_;
 };

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 
 #include "support/file_time.h"
@@ -65,5 +66,8 @@ private:
 
 // The directory part of a "/" path, with the conventions of FileInfo::path().
 std::string directoryOf(const std::string &path);
+
+// True for a path that doesn't begin at the root.
+inline bool isRelativePath(std::string_view path) { return path.empty() || path[0] != '/'; }
 // `path` made absolute against the current directory, and normalised.
 std::string absolutePathOf(const std::string &path);

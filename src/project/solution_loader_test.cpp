@@ -1,0 +1,258 @@
+#include "project/load_handlers.h"
+#include "project/project_load_progress_interface.h"
+#include "project/project_test_tree.h"
+#include "support/exceptions.h"
+#include "support/file_info.h"
+#include "support/test_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+std::string solutionText(const std::string &body, const std::string &attributes = "") {
+    return "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"2\"" + attributes + ">\n" +
+           body + "</solution>\n";
+}
+
+// What a failed load says, as "file|message".
+std::string loadFailure(TestProjectSystem &system, const std::string &file, bool checkTarget = false,
+                        TemplateNotFoundErrorHandler *templates = nullptr) {
+    try {
+        system.loadSolution(file, nullptr, templates, nullptr, checkTarget);
+    } catch (const SolutionLoadError &e) {
+        return e.detail() + "|" + e.message();
+    }
+    return "no error";
+}
+
+// Names of the nodes below `element`, with their depth, one a line.
+std::string outline(TestProjectSystem &system, ProjectElement *element, int depth = 0) {
+    std::string text = std::string(std::size_t(2 * depth), ' ') + system.elementName(element) + "\n";
+    for (ProjectElement *child = ProjectSystem::firstChild(element); child;
+         child = ProjectSystem::nextSibling(child)) {
+        if (!ProjectSystem::isConfiguration(child))
+            text += outline(system, child, depth + 1);
+    }
+    return text;
+}
+
+struct RecordingProgress : ProjectLoadProgressInterface {
+    void beginTask(const std::string &text, int level) override {
+        lines.push_back("begin " + std::to_string(level) + " " + text);
+        ++open;
+    }
+    void endTask() override {
+        lines.push_back("end");
+        --open;
+    }
+    void message(const std::string &text) override { lines.push_back("message " + text); }
+    void warning(const std::string &text) override { lines.push_back("warning " + text); }
+    int depth() override { return open; }
+    void setProgress(int, int) override {}
+    void processEvents() override {}
+    std::vector<std::string> collectedLines() override { return {}; }
+    Strings lines;
+    int open = 0;
+};
+
+TEST(SolutionLoad, ImportsTakeThePlaceOfTheirElement) {
+    TestDirectory directory;
+    directory.write("lib/lib.tbp", solutionText("<project Name=\"$(Kind)Lib\" />\n"));
+    directory.write("app.tbp",
+                    solutionText("<project Name=\"App\" />\n"
+                                 "<import file_name=\"$(Where)/lib.tbp\" macros=\"Kind=Fast\" />\n"
+                                 "<folder Name=\"F\"><import file_name=\"lib/lib.tbp\" "
+                                 "can_modify_solution=\"No\" macros=\"Kind=Slow\"/></folder>\n"));
+    TestProjectSystem system;
+    system.systemMacros.globalMacros()["Where"] = "lib";
+    RecordingProgress progress;
+    ProjectElement *root = system.loadSolution(directory / "app.tbp", nullptr, nullptr, &progress);
+    // One file imported at two places is no cycle: each place gets a copy.
+    EXPECT_EQ(outline(system, root), "S\n  App\n  S\n    FastLib\n  F\n    S\n      SlowLib\n");
+    ProjectElement *first = ProjectSystem::nextSibling(system.node("App"));
+    EXPECT_TRUE(first->imported);
+    EXPECT_TRUE(first->canModify);
+    EXPECT_EQ(ProjectSystem::attribute(first, "file_name"), "$(Where)/lib.tbp");
+    EXPECT_EQ(first->filePath.absoluteFilePath(), directory / "lib/lib.tbp");
+    EXPECT_FALSE(ProjectSystem::firstChild(system.node("F"))->canModify);
+    EXPECT_EQ(system.projectNames, (Strings{"App", "FastLib(S)", "SlowLib(S)"}));
+    EXPECT_EQ(progress.open, 0);
+    EXPECT_EQ(progress.lines[0], "begin 2 Loading solution app.tbp");
+    EXPECT_TRUE(system.trackingChanges);
+    EXPECT_FALSE(ProjectSystem::isModified(root, true));
+}
+
+TEST(SolutionLoad, ImportCyclesAndFailuresNameTheFile) {
+    TestDirectory directory;
+    directory.write("a.tbp", solutionText("<import file_name=\"b.tbp\" />\n"));
+    directory.write("b.tbp", solutionText("<project Name=\"P\"><import file_name=\"a.tbp\" /></project>\n"));
+    directory.write("self.tbp", solutionText("<import file_name=\"self.tbp\" />\n"));
+    directory.write("missing.tbp", solutionText("<import file_name=\"nowhere.tbp\" />\n"));
+    directory.write("bad.tbp", "<!DOCTYPE Tarnbench_Project_File>\n<solution>\n<a></b>\n</solution>\n");
+    directory.write("badimport.tbp", solutionText("<import file_name=\"bad.tbp\" />\n"));
+    TestProjectSystem system;
+    EXPECT_EQ(loadFailure(system, directory / "a.tbp"), directory / "a.tbp| solution already loaded");
+    EXPECT_EQ(loadFailure(system, directory / "self.tbp"), directory / "self.tbp| solution already loaded");
+    EXPECT_EQ(loadFailure(system, directory / "missing.tbp"), "nowhere.tbp| does not exist");
+    try {
+        system.loadSolution(directory / "badimport.tbp");
+        ADD_FAILURE() << "no error";
+    } catch (const SolutionLoadError &e) {
+        EXPECT_TRUE(e.isBadXml());
+        EXPECT_EQ(e.detail(), "bad.tbp");
+        // The line counter at the mismatch: the lines before it.
+        EXPECT_EQ(e.line(), 2);
+    }
+}
+
+// A file that imports the next one twice would make 2^n copies: the load
+// stops when it has read too many files.
+TEST(SolutionLoad, ImportsAreBounded) {
+    TestDirectory directory;
+    for (int i = 0; i < 20; ++i) {
+        const std::string next = "s" + std::to_string(i + 1) + ".tbp";
+        directory.write("s" + std::to_string(i) + ".tbp",
+                        solutionText("<import file_name=\"" + next + "\" /><import file_name=\"" + next + "\" />\n"));
+    }
+    directory.write("s20.tbp", solutionText(""));
+    TestProjectSystem system;
+    const std::string failure = loadFailure(system, directory / "s0.tbp");
+    EXPECT_NE(failure.find("| imports more than 10000 solution files"), std::string::npos) << failure;
+}
+
+TEST(SolutionLoad, ChainOfAThousandImports) {
+    TestDirectory directory;
+    for (int i = 0; i < 1000; ++i)
+        directory.write("c" + std::to_string(i) + ".tbp",
+                        solutionText("<import file_name=\"c" + std::to_string(i + 1) + ".tbp\" />\n"));
+    directory.write("c1000.tbp", solutionText("<project Name=\"Deep\" />\n"));
+    TestProjectSystem system;
+    system.loadSolution(directory / "c0.tbp");
+    EXPECT_EQ(system.allSolutions.size(), 1001u);
+    // The root knows the project by its name and the chain of solutions
+    // above it.
+    std::string key = "Deep(S";
+    for (int i = 1; i < 1000; ++i)
+        key += ",S";
+    EXPECT_EQ(system.projectNames, Strings{key + ")"});
+}
+
+TEST(SolutionLoad, OldVersionIsUpdatedWithoutBeingModified) {
+    TestDirectory directory;
+    directory.write("old.tbp", "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"1\">"
+                               "<project Name=\"P\"/></solution>\n");
+    TestProjectSystem system;
+    ProjectElement *root = system.loadSolution(directory / "old.tbp");
+    EXPECT_EQ(ProjectSystem::attribute(root, "version"), "2");
+    EXPECT_FALSE(ProjectSystem::isModified(root, true));
+    EXPECT_TRUE(system.undoList.empty());
+}
+
+TEST(SolutionLoad, TargetCheck) {
+    TestDirectory directory;
+    directory.write("linux.tbp", solutionText("", " target=\"15\""));
+    directory.write("odd.tbp", solutionText("", " target=\"42\""));
+    directory.write("junk.tbp", solutionText("", " target=\"8x\""));
+    TestProjectSystem system;
+    EXPECT_EQ(loadFailure(system, directory / "linux.tbp", true),
+              directory / "linux.tbp|invalid solution target (Linux)");
+    EXPECT_EQ(loadFailure(system, directory / "odd.tbp", true), directory / "odd.tbp|invalid solution target (42)");
+    EXPECT_EQ(loadFailure(system, directory / "junk.tbp", true), "no error");
+    EXPECT_EQ(loadFailure(system, directory / "linux.tbp", false), "no error");
+}
+
+TEST(SolutionLoad, TemplatedProjectsFailWithoutTheirTemplate) {
+    struct Chooser : TemplateNotFoundErrorHandler {
+        bool chooseTemplate(ProjectTemplates *, const std::string &, std::string &name) override {
+            name = "Chosen";
+            return true;
+        }
+    } chooser;
+    TestDirectory directory;
+    directory.write("named.tbp", solutionText("<project Name=\"P\" template_name=\"Board\" />\n"));
+    directory.write("unnamed.tbp", solutionText("<project Name=\"Q\" template_name=\"\" />\n"));
+    TestProjectSystem system;
+    EXPECT_EQ(loadFailure(system, directory / "named.tbp"), "Board|project template not found");
+    EXPECT_EQ(system.solution, nullptr);
+    EXPECT_EQ(loadFailure(system, directory / "unnamed.tbp"), "no template for project |Q");
+    EXPECT_EQ(loadFailure(system, directory / "unnamed.tbp", false, &chooser), "Chosen|project template not found");
+}
+
+TEST(SolutionLoad, EnvironmentVariablesStayForTheProcess) {
+    TestDirectory directory;
+    directory.write("env.tbp", solutionText("<configuration Name=\"Common\" "
+                                            "environment_variables=\"QM_TEST_A=1;QM_TEST_B=2=3;QM_TEST_C\" />\n"));
+    TestProjectSystem system;
+    system.loadSolution(directory / "env.tbp");
+    EXPECT_STREQ(std::getenv("QM_TEST_A"), "1");
+    EXPECT_STREQ(std::getenv("QM_TEST_B"), "2=3");
+    EXPECT_STREQ(std::getenv("QM_TEST_C"), "");
+}
+
+TEST(SolutionLoad, LoadCommandsRunInTheSolutionsDirectory) {
+    TestDirectory directory;
+    directory.write("ok.tbp",
+                    solutionText("", " load_command=\"sh -c &quot;echo $QM_STAGE &gt; first.txt&quot; &amp;&amp; "
+                                     "sh -c &quot;cat first.txt &gt; second.txt&quot;\" "
+                                     "load_command_environment=\"QM_STAGE=$(Stage)\""));
+    directory.write("fail.tbp", solutionText("", " load_command=\"sh -c &quot;exit 3&quot; &amp;&amp; "
+                                                 "touch never.txt\""));
+    directory.write("none.tbp", solutionText("", " load_command=\"quillmake-no-such-program --x\""));
+    TestProjectSystem system;
+    system.systemMacros.globalMacros()["Stage"] = "staged";
+    system.loadSolution(directory / "ok.tbp");
+    EXPECT_EQ(TestDirectory::read(directory / "second.txt"), "staged\n");
+    EXPECT_EQ(loadFailure(system, directory / "fail.tbp"), directory / "fail.tbp|solution load command failed (3) ");
+    EXPECT_FALSE(FileInfo(directory / "never.txt").exists());
+    EXPECT_EQ(loadFailure(system, directory / "none.tbp"),
+              directory / "none.tbp|solution load command \"quillmake-no-such-program\" not found");
+}
+
+TEST(SolutionLoad, DynamicFoldersListTheirDirectories) {
+    TestDirectory directory;
+    directory.write("app/src/b.c");
+    directory.write("app/src/A.c");
+    directory.write("app/src/notes.txt");
+    directory.write("app/src/.hidden.c");
+    directory.write("app/src/sub/deep.c");
+    directory.write("app/src/sub/skip.c");
+    directory.write("app/src/gen/x.c");
+    mkdir((directory / "app/src/empty").c_str(), 0755);
+    directory.write("app/one.txt");
+    directory.write("app.tbp",
+                    solutionText("<project Name=\"P\"><configuration Name=\"Common\" project_directory=\"app\"/>\n"
+                                 "<folder Name=\"Src\" path=\"src\" filter=\"*.c\" recurse=\"Yes\" "
+                                 "exclude=\"skip.c;src/gen\" />\n"
+                                 "<folder Name=\"One\" path=\"one.txt;missing;nodir\" filter=\"*.c\" />\n"
+                                 "</project>\n"));
+    TestProjectSystem system;
+    ProjectElement *root = system.loadSolution(directory / "app.tbp");
+    EXPECT_EQ(outline(system, root), "S\n  P\n    Src\n      A.c\n      b.c\n      empty\n      sub\n        deep.c\n"
+                                     "    One\n      one.txt\n");
+    ProjectElement *deep = ProjectSystem::findFileByPath(root, "src/sub/deep.c");
+    ASSERT_NE(deep, nullptr);
+    EXPECT_FALSE(deep->canModify);
+    EXPECT_EQ(system.absoluteFilePath(deep, "Debug"), directory / "app/src/sub/deep.c");
+    // What a dynamic folder holds isn't saved.
+    EXPECT_EQ(system.solutionText(root, false).find("deep.c"), std::string::npos);
+}
+
+TEST(SolutionLoad, DynamicFolderOverASymbolicLinkLoop) {
+    TestDirectory directory;
+    directory.write("src/a.c");
+    ASSERT_EQ(symlink("..", (directory / "src/up").c_str()), 0);
+    directory.write("loop.tbp", solutionText("<folder Name=\"Src\" path=\"src\" recurse=\"Yes\" />\n"));
+    TestProjectSystem system;
+    ProjectElement *root = system.loadSolution(directory / "loop.tbp");
+    // "up" leads to the solution's directory, whose "src" leads back to the
+    // directory being scanned: that one isn't scanned again.
+    EXPECT_EQ(outline(system, root), "S\n  Src\n    a.c\n    up\n      loop.tbp\n      src\n");
+}
+
+}  // namespace

@@ -1,7 +1,7 @@
 // Times the expression parser as the XML pre-processor uses it: one
 // SimpleExpressionParser per element, evaluating a short attribute value.
 // Run by hand: see README.md.
-#include "language/simple_expression_parser.h"
+#include "support/simple_expression_parser.h"
 #include "timing.h"
 
 #include <cstdio>

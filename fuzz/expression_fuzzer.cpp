@@ -1,8 +1,8 @@
 // Evaluates arbitrary text as an expression, as the XML pre-processor and the
 // memory map reader do with attribute values. Any failure must be a
 // ParserException; the typed evaluators must agree with evaluate.
-#include "language/expression.h"
-#include "language/simple_expression_parser.h"
+#include "support/expression.h"
+#include "support/simple_expression_parser.h"
 #include "support/exceptions.h"
 
 #include <cstdint>

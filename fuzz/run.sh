@@ -20,23 +20,23 @@ declare -A target_sources=(
            src/project/xml/xml_writer.cpp"
     [indirect]="src/frontend/arg_parse.cpp
                 src/frontend/program_log.cpp"
-    [expression]="src/language/base_type.cpp
-                  src/language/c_style_lexer.cpp
-                  src/language/expression.cpp
-                  src/language/expression_parser.cpp
-                  src/language/expression_value.cpp
-                  src/language/lexer.cpp
-                  src/language/simple_expression_parser.cpp"
+    [expression]="src/support/base_type.cpp
+                  src/support/c_style_lexer.cpp
+                  src/support/expression.cpp
+                  src/support/expression_parser.cpp
+                  src/support/expression_value.cpp
+                  src/support/lexer.cpp
+                  src/support/simple_expression_parser.cpp"
     [xmlpp]="src/environment/date_time_macros.cpp
              src/environment/system_macros.cpp
              src/environment/user_directories.cpp
-             src/language/base_type.cpp
-             src/language/c_style_lexer.cpp
-             src/language/expression.cpp
-             src/language/expression_parser.cpp
-             src/language/expression_value.cpp
-             src/language/lexer.cpp
-             src/language/simple_expression_parser.cpp
+             src/support/base_type.cpp
+             src/support/c_style_lexer.cpp
+             src/support/expression.cpp
+             src/support/expression_parser.cpp
+             src/support/expression_value.cpp
+             src/support/lexer.cpp
+             src/support/simple_expression_parser.cpp
              src/project/macro_expansion.cpp
              src/project/macro_property_class.cpp
              src/project/property_class.cpp

@@ -1,6 +1,6 @@
 #include "project/xml/xmlpp2.h"
 
-#include "language/simple_expression_parser.h"
+#include "support/simple_expression_parser.h"
 #include "project/macro_expansion.h"
 #include "project/text_split.h"
 #include "project/xml/preprocessor_text.h"

@@ -1,4 +1,4 @@
-#include "language/expression_value.h"
+#include "support/expression_value.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "language/base_type.h"
-#include "language/expression_value.h"
+#include "support/base_type.h"
+#include "support/expression_value.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "language/base_type.h"
+#include "support/base_type.h"
 
 BaseType::~BaseType() = default;
 

@@ -1,7 +1,7 @@
-#include "language/simple_expression_parser.h"
+#include "support/simple_expression_parser.h"
 
-#include "language/base_type.h"
-#include "language/expression.h"
+#include "support/base_type.h"
+#include "support/expression.h"
 #include "support/exceptions.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "language/lexer.h"
+#include "support/lexer.h"
 
 // The tokens of C-like expressions. The order of the table decides between
 // tokens that share a prefix: "<<=" comes before "<<", "::" before ":".

@@ -1,6 +1,6 @@
-#include "language/expression.h"
+#include "support/expression.h"
 
-#include "language/expression_parser.h"
+#include "support/expression_parser.h"
 #include "support/exceptions.h"
 
 #include <cstdio>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "language/expression_value.h"
+#include "support/expression_value.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "language/c_style_lexer.h"
+#include "support/c_style_lexer.h"
 
 #include "support/exceptions.h"
 

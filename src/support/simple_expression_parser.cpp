@@ -1,4 +1,4 @@
-#include "language/simple_expression_parser.h"
+#include "support/simple_expression_parser.h"
 
 #include "support/exceptions.h"
 

@@ -1,4 +1,4 @@
-#include "language/lexer.h"
+#include "support/lexer.h"
 
 #include "support/exceptions.h"
 

@@ -1,8 +1,8 @@
-#include "language/expression_parser.h"
+#include "support/expression_parser.h"
 
-#include "language/base_type.h"
-#include "language/c_style_lexer.h"
-#include "language/expression.h"
+#include "support/base_type.h"
+#include "support/c_style_lexer.h"
+#include "support/expression.h"
 #include "support/exceptions.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "language/expression_parser.h"
+#include "support/expression_parser.h"
 
 // The expression parser of the build: no symbols, registers, memory or types,
 // so an expression computes with constants and strings. Cheap to construct.

@@ -5,7 +5,7 @@
 #include "timing.h"
 
 #include "environment/system_macros.h"
-#include "project/standard_project_system.h"
+#include "build/standard_project_system.h"
 #include "support/file_utils.h"
 
 #include <cstdio>

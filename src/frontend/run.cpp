@@ -7,7 +7,7 @@
 #include "frontend/quillmake_arg_parse.h"
 #include "frontend/selection.h"
 #include "project/property_group_files.h"
-#include "project/standard_project_system.h"
+#include "build/standard_project_system.h"
 #include "support/exceptions.h"
 #include "support/file_info.h"
 #include "support/lock_file.h"

@@ -28,6 +28,41 @@ std::string ProjectSystem::expandProjectMacros(ProjectElement *element, const st
     return expandMacrosWith(*macros, *source, text, true, true);
 }
 
+namespace {
+
+// The extra macros of a step over the macros of the node.
+class LayeredMacroSource : public MacroSource {
+public:
+    LayeredMacroSource(const MacroMap &extra, MacroSource &base) : extra_(extra), base_(base) {}
+    const std::string *find(std::string_view name) override {
+        const auto it = extra_.find(name);
+        return it != extra_.end() ? &it->second : base_.find(name);
+    }
+
+private:
+    const MacroMap &extra_;
+    MacroSource &base_;
+};
+
+}  // namespace
+
+std::string ProjectSystem::expandProjectMacros(ProjectElement *element, const std::string &text,
+                                               const std::string &configuration,
+                                               const MacroMap &extra) {
+    if (extra.empty())
+        return expandProjectMacros(element, text, configuration);
+    if (!macros || text.find(macros->macroCharacter()) == std::string::npos)
+        return text;
+    if (!macroCache_.enabled) {
+        ProjectMacroSource source(*this, element, configuration);
+        LayeredMacroSource layered(extra, source);
+        return expandMacrosWith(*macros, layered, text, true, true);
+    }
+    const std::shared_ptr<ProjectMacroSource> source = cachedMacroSource(element, configuration);
+    LayeredMacroSource layered(extra, *source);
+    return expandMacrosWith(*macros, layered, text, true, true);
+}
+
 std::shared_ptr<ProjectMacroSource> ProjectSystem::cachedMacroSource(
     ProjectElement *element, const std::string &configuration) {
     if (!macroCache_.source || macroCache_.element != element || !element ||

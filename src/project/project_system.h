@@ -368,6 +368,10 @@ public:
     MacroMap projectMacros(ProjectElement *element, const std::string &configuration);
     std::string expandProjectMacros(ProjectElement *element, const std::string &text,
                                     const std::string &configuration);
+    // The same with extra macros that win over the node's, such as a build
+    // step's $(TargetPath).
+    std::string expandProjectMacros(ProjectElement *element, const std::string &text,
+                                    const std::string &configuration, const MacroMap &extra);
     // The one-entry cache of projectMacros, on for the time of a build.
     void setMacroCacheEnabled(bool enabled);
     void dropMacroCache() { macroCache_.element = nullptr; }

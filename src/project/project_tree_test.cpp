@@ -1,6 +1,6 @@
 #include "project/project_load_progress_interface.h"
 #include "project/project_test_tree.h"
-#include "project/standard_project_system.h"
+#include "build/standard_project_system.h"
 #include "support/test_directory.h"
 
 #include <gtest/gtest.h>

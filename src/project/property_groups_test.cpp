@@ -2,7 +2,7 @@
 
 #include "project/project_system_xml.h"
 #include "project/project_test_tree.h"
-#include "project/standard_project_system.h"
+#include "build/standard_project_system.h"
 #include "support/test_directory.h"
 
 #include <gtest/gtest.h>

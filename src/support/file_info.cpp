@@ -121,3 +121,19 @@ std::string absolutePathOf(const std::string &path) {
     normalisePath(result);
     return result;
 }
+
+std::string absolutePathFrom(const std::string &directory, const std::string &path) {
+    if (path.empty())
+        return {};
+    std::string result;
+    if (isRelativePath(path)) {
+        result = directory;
+        if (result.empty() || result.back() != '/')
+            result += '/';
+        result += path;
+    } else {
+        result = path;
+    }
+    normalisePath(result);
+    return result;
+}

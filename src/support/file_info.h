@@ -71,3 +71,6 @@ std::string directoryOf(const std::string &path);
 inline bool isRelativePath(std::string_view path) { return path.empty() || path[0] != '/'; }
 // `path` made absolute against the current directory, and normalised.
 std::string absolutePathOf(const std::string &path);
+// `path` made absolute against `directory` (itself absolute), and
+// normalised; an empty path stays empty.
+std::string absolutePathFrom(const std::string &directory, const std::string &path);

@@ -1,0 +1,125 @@
+// What a node is built as, and how many steps that takes.
+
+#include "build/standard_project_system.h"
+
+namespace {
+
+bool startsWith(const std::string &text, std::string_view prefix) {
+    return text.compare(0, prefix.size(), prefix) == 0;
+}
+
+}  // namespace
+
+int StandardProjectSystem::buildKind(ProjectElement *element, const std::string &configuration,
+                                     BuildFlags flags) {
+    if (isProject(element)) {
+        const std::string type =
+            getPropertyValue(element, nodeProperties.projectType, configuration).value_or("");
+        if (type == "Executable")
+            return KindLink;
+        if (type == "Library")
+            return KindArchive;
+        if (type == "Staging")
+            return KindStage;
+        if (type == "Combining")
+            return KindCombine;
+        if (type == "Externally Built Executable") {
+            const bool linkCommand =
+                !expandedValue(element, toolProperties.externalLinkCommand, configuration).empty() ||
+                (isCppProject(element, configuration) &&
+                 !expandedValue(element, toolProperties.externalCppLinkCommand, configuration).empty());
+            const bool buildFile =
+                !expandedValue(element, toolProperties.externalBuildFileName, configuration).empty();
+            return linkCommand && !buildFile ? KindLink : KindInput;
+        }
+        if (type == "Externally Built Library")
+            return expandedValue(element, toolProperties.externalArchiveCommand, configuration).empty()
+                       ? KindInput
+                       : KindArchive;
+        return KindNone;
+    }
+
+    // A dynamic folder with a path counts as a file for the exclude test.
+    const bool dynamicFolder =
+        isFolder(element) && !attribute(element, "path").value_or("").empty();
+    if (!isFile(element) && !dynamicFolder)
+        return KindNone;
+    if (getPropertyValue(element, nodeProperties.buildExcludeFromBuild, configuration) == "Yes")
+        return KindExcluded;
+    if (!isFile(element))
+        return KindNone;
+
+    ProjectElement *project = projectOf(element);
+    const std::string projectType =
+        getPropertyValue(project, nodeProperties.projectType, configuration).value_or("");
+    if (projectType == "Staging")
+        return KindStage;
+    if (projectType == "Combining")
+        return KindNone;
+
+    const std::string type = fileTypeName(element, configuration);
+    const bool external = startsWith(projectType, "Externally Built");
+    auto compiled = [&](int kind, PropertyClass *externalCommand) {
+        if (!external)
+            return kind;
+        return expandedValue(element, externalCommand, configuration).empty() ? int(KindNone) : kind;
+    };
+    if (type == "C")
+        return compiled(KindC, toolProperties.externalCCompileCommand);
+    if (type == "C++")
+        return compiled(KindCpp, toolProperties.externalCppCompileCommand);
+    if (type == "Assembly")
+        return compiled(KindAssembly, toolProperties.externalAssembleCommand);
+    if (type == "Object file" || type == "Executable" || type == "Library")
+        return KindInput;
+    if (type == "Header") {
+        if (flags & BuildAnalyse)
+            return isCppProject(project, configuration) ? KindCpp : KindC;
+        return precompiledHeaderStep(element, configuration);
+    }
+    return KindNone;
+}
+
+int StandardProjectSystem::stepCount(ProjectElement *element, const std::string &configuration,
+                                     BuildFlags flags) {
+    // Iterative over the subtree: a node's count is its own step plus, unless
+    // files are jobs of their own, those of the nodes below it.
+    int count = 0;
+    auto own = [&](ProjectElement *node) {
+        const int kind = buildKind(node, configuration, flags);
+        if (kind == KindExcluded || kind == KindInput)
+            return -1;  // no step, and nothing below counts
+        return kind == KindNone ? 0 : 1;
+    };
+    const int top = own(element);
+    if (top < 0)
+        return 0;
+    count += top;
+    if (flags & BuildFilesAreJobs)
+        return count;
+    if (isUnityFolder(element, configuration, flags & BuildNoUnity))
+        return count + 1;
+    ProjectElement *node = firstChild(element);
+    while (node && node != element) {
+        const int step = own(node);
+        if (step > 0)
+            count += step;
+        if (step >= 0 && isUnityFolder(node, configuration, flags & BuildNoUnity)) {
+            ++count;
+        } else if (step >= 0 && firstChild(node)) {
+            node = firstChild(node);
+            continue;
+        }
+        while (node && node != element && !nextSibling(node))
+            node = parent(node);
+        if (node && node != element)
+            node = nextSibling(node);
+    }
+    return count;
+}
+
+bool StandardProjectSystem::hasOwnJob(ProjectElement *file, const std::string &configuration,
+                                      BuildFlags flags) {
+    const int kind = buildKind(file, configuration, flags);
+    return (kind >= KindExcluded && kind <= KindAssembly) || kind == KindStage;
+}

@@ -1,0 +1,200 @@
+// The toolchain operations in the form that every toolchain starts from, and
+// the small helpers of the build logic.
+
+#include "build/standard_project_system.h"
+
+#include "build/builder.h"
+#include "project/macro_expansion.h"
+#include "support/file_info.h"
+#include "support/file_path.h"
+
+StandardProjectSystem::StandardProjectSystem(SystemMacros *macroTable)
+    : ProjectSystem(macroTable), toolProperties(propertyClasses) {}
+
+// ---- Tools.
+
+namespace {
+
+const char *const standardToolMacros[] = {"CLANGTIDY", "CC", "CCPP"};
+
+}  // namespace
+
+void StandardProjectSystem::addToolMacros(ProjectElement *, const std::string &, MacroMap &map) {
+    const std::string install = installDirectory;
+    const std::string defaults[] = {install + "/llvm/bin/clang-tidy$(HostEXE)",
+                                    install + "/bin/cc$(HostEXE)", install + "/bin/cc++$(HostEXE)"};
+    for (std::size_t i = 0; i < std::size(standardToolMacros); ++i) {
+        const std::string name = standardToolMacros[i];
+        if (map.count(name) || (macros && macros->globalMacros().count(name)))
+            continue;
+        map[name] = defaults[i];
+    }
+}
+
+bool StandardProjectSystem::mayBeToolMacro(std::string_view name) const {
+    for (const char *tool : standardToolMacros)
+        if (name == tool)
+            return true;
+    return false;
+}
+
+void StandardProjectSystem::selectPlatform(ProjectElement *, const std::string &) {}
+
+void StandardProjectSystem::buildStep(ProjectElement *element, const std::string &configuration, int step,
+                                      const std::string &, const std::string &, const StringList &,
+                                      Builder *builder, BuildFlags) {
+    if (!builder)
+        return;
+    const char *verb = step == KindLink      ? "Linking '"
+                       : step == KindArchive ? "Archiving '"
+                       : step == KindAssembly ? "Assembling '"
+                                              : "Compiling '";
+    builder->beginStep(element, verb + displayName(element) + "'", configuration, 0);
+    builder->reportError("error: compiling, assembling, linking and archiving with the " +
+                         platformName() + " toolchain are not available yet");
+    builder->endStep(element, configuration);
+}
+
+// ---- Paths of outputs.
+
+std::string StandardProjectSystem::expandWith(ProjectElement *element, const std::string &text,
+                                              const std::string &configuration,
+                                              const MacroMap &extra) {
+    return expandProjectMacros(element, text, configuration, extra);
+}
+
+std::string StandardProjectSystem::expandedValue(ProjectElement *element, PropertyClass *property,
+                                                 const std::string &configuration) {
+    return getExpandedPropertyValue(element, property, configuration).value_or(std::string());
+}
+
+std::string StandardProjectSystem::expandedValue(ProjectElement *element, PropertyClass *property,
+                                                 const std::string &configuration,
+                                                 const MacroMap &extra) {
+    const std::optional<std::string> value = getPropertyValue(element, property, configuration);
+    return value ? expandProjectMacros(element, *value, configuration, extra) : std::string();
+}
+
+std::string StandardProjectSystem::projectDirectory(ProjectElement *project, const std::string &) {
+    return fullProjectDirectory(projectOf(project));
+}
+
+std::string StandardProjectSystem::sourcePath(ProjectElement *element,
+                                              const std::string &configuration) {
+    return absoluteFilePath(element, configuration);
+}
+
+std::string StandardProjectSystem::outputFilePath(int step, ProjectElement *element,
+                                                  const std::string &configuration) {
+    PropertyClass *property = nullptr;
+    switch (step) {
+    case KindC:
+    case KindCpp:
+    case KindAssembly:
+        property = fileTypeName(element, configuration) == "Preprocess"
+                       ? nodeProperties.buildPreprocessOutputFileName
+                       : nodeProperties.buildObjectFileName;
+        break;
+    case KindInput:
+        property = toolProperties.externalBuildFileName;
+        break;
+    case KindLink:
+    case KindArchive:
+        property = nodeProperties.buildOutputFileName;
+        break;
+    case KindStage:
+        property = toolProperties.stageOutputFilepath;
+        break;
+    case KindCombine:
+        property = toolProperties.combineOutputFilepath;
+        break;
+    default:
+        return {};
+    }
+    return absolutePathFrom(projectDirectory(element, configuration),
+                            expandedValue(element, property, configuration));
+}
+
+std::string StandardProjectSystem::objectFilePath(ProjectElement *element,
+                                                  const std::string &configuration) {
+    return outputFilePath(buildKind(element, configuration, 0), element, configuration);
+}
+
+std::string StandardProjectSystem::intermediateFilePath(ProjectElement *element,
+                                                        const std::string &configuration,
+                                                        const std::string &input,
+                                                        const std::string &suffix) {
+    const std::string projectDir = projectDirectory(element, configuration);
+    std::string directory =
+        expandedValue(element, nodeProperties.buildIntermediateDirectory, configuration);
+    if (directory.empty())
+        directory = directoryOf(absolutePathFrom(projectDir, input));
+    const FilePath file(input);
+    return absolutePathFrom(projectDir, directory) + "/" + file.baseName(true) + suffix;
+}
+
+std::string StandardProjectSystem::dependencyFilePath(ProjectElement *element,
+                                                      const std::string &configuration,
+                                                      const std::string &output) {
+    const std::string named =
+        expandedValue(element, nodeProperties.buildDependencyFileName, configuration);
+    if (!named.empty())
+        return absolutePathFrom(projectDirectory(element, configuration), named);
+    return intermediateFilePath(element, configuration, output, ".d");
+}
+
+void StandardProjectSystem::appendIntermediateFiles(ProjectElement *, const std::string &, int,
+                                                    const std::string &, StringList &) {}
+
+void StandardProjectSystem::linkerInputFiles(ProjectElement *element,
+                                             const std::string &configuration, StringList &list) {
+    const StringList files = getPropertyList("", element, toolProperties.linkerAdditionalFiles,
+                                             configuration, true, false, false);
+    const std::string directory = projectDirectory(element, configuration);
+    for (const std::string &file : files)
+        list.push_back(absolutePathFrom(directory, file));
+}
+
+std::string StandardProjectSystem::secondaryLinkOutput(ProjectElement *, const std::string &) {
+    return {};
+}
+
+void StandardProjectSystem::linkerSymbolFiles(ProjectElement *, const std::string &, StringList &) {}
+
+void StandardProjectSystem::linkerLibraryDirectories(ProjectElement *, const std::string &,
+                                                     StringList &) {}
+
+bool StandardProjectSystem::mapFilePath(ProjectElement *, const std::string &, const std::string &,
+                                        std::string &) {
+    return false;
+}
+
+bool StandardProjectSystem::linkerScriptInputsChanged(ProjectElement *, const std::string &,
+                                                      FileTime) {
+    return false;
+}
+
+int StandardProjectSystem::precompiledHeaderStep(ProjectElement *, const std::string &) { return 0; }
+
+bool StandardProjectSystem::scanModuleDependencies(ProjectElement *, const std::string &) {
+    return false;
+}
+
+std::string StandardProjectSystem::moduleNameOf(ProjectElement *element,
+                                                const std::string &configuration) {
+    return fileNameOnly(element, configuration);
+}
+
+std::vector<ProjectElement *> StandardProjectSystem::filePrerequisites(ProjectElement *,
+                                                                       const std::string &) {
+    return {};
+}
+
+bool StandardProjectSystem::isUnityFolder(ProjectElement *element, const std::string &configuration,
+                                          bool noUnity) {
+    if (noUnity || !isFolder(element))
+        return false;
+    const std::optional<std::string> name =
+        getPropertyValue(element, nodeProperties.unityBuildFileName, configuration);
+    return name && !name->empty();
+}

@@ -1,0 +1,180 @@
+#pragma once
+
+#include "build/build_flags.h"
+#include "project/project_system.h"
+#include "project/standard_property_table.h"
+#include "support/file_time.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+class Builder;
+class Idler;
+
+// The project system of every toolchain: the tool part of the standard
+// property table, and the build logic that all toolchains share. It decides
+// what a node needs (build kinds, up-to-date checks, the order and wording of
+// each step) and asks the toolchain operations below for the command lines.
+// Everything it does to the outside world goes through a Builder.
+class StandardProjectSystem : public ProjectSystem {
+public:
+    // Build kinds, also the step kinds of the toolchain operations.
+    enum BuildKind : int {
+        KindNone = 0,      // nothing of its own, only children
+        KindExcluded = 1,  // build_exclude_from_build is "Yes"
+        KindC = 2,
+        KindCpp = 3,
+        KindAssembly = 4,
+        KindInput = 5,     // an input of the link; for a project, the external commands
+        KindLink = 7,
+        KindArchive = 8,
+        KindStage = 9,
+        KindCombine = 10,
+    };
+
+    explicit StandardProjectSystem(SystemMacros *macroTable);
+
+    ToolProperties toolProperties;
+
+    // ---- Toolchain operations. The toolchains replace them; the forms here
+    // are those that every toolchain starts from.
+
+    // CLANGTIDY, CC and CCPP under the installation, unless the map or the
+    // global macros already name them.
+    void addToolMacros(ProjectElement *element, const std::string &configuration,
+                       MacroMap &map) override;
+    bool mayBeToolMacro(std::string_view name) const override;
+    // Called first for every node that is built.
+    virtual void selectPlatform(ProjectElement *element, const std::string &configuration);
+    // Runs one compile, assemble, link or archive step. No compiler toolchain
+    // is built into this class: it reports that as an error.
+    virtual void buildStep(ProjectElement *element, const std::string &configuration, int step,
+                           const std::string &outputRelative, const std::string &outputFile,
+                           const StringList &inputs, Builder *builder, BuildFlags flags);
+    // The absolute path of the file that a step makes; empty for none:
+    // build_object_file_name for steps 2 to 4 (build_preprocess_output_file_name
+    // for a "Preprocess" file), build_output_file_name for 7 and 8,
+    // external_build_file_name for 5, stage_output_filepath for 9 and
+    // combine_output_filepath for 10.
+    virtual std::string outputFilePath(int step, ProjectElement *element,
+                                       const std::string &configuration);
+    // The dependency file of an output: build_dependency_file_name, else
+    // <intermediate directory>/<output's complete base name>.d.
+    virtual std::string dependencyFilePath(ProjectElement *element, const std::string &configuration,
+                                           const std::string &output);
+    // <intermediate directory, else the input's directory>/<input's complete
+    // base name><suffix>, absolute.
+    std::string intermediateFilePath(ProjectElement *element, const std::string &configuration,
+                                     const std::string &input, const std::string &suffix);
+    // By-products of a step that a clean removes; none here.
+    virtual void appendIntermediateFiles(ProjectElement *element, const std::string &configuration,
+                                         int step, const std::string &output, StringList &list);
+    // The prerequisites of an output, from its dependency file; read once per
+    // build while the dependency cache is on.
+    virtual StringList fileDependencies(ProjectElement *element, const std::string &configuration,
+                                        const std::string &output);
+    // c_include_files and the variant of the node's language.
+    virtual void forcedIncludeFiles(ProjectElement *element, const std::string &configuration,
+                                    StringList &list);
+    // Extra inputs of a link (linker_additional_files).
+    virtual void linkerInputFiles(ProjectElement *element, const std::string &configuration,
+                                  StringList &list);
+    virtual std::string secondaryLinkOutput(ProjectElement *element, const std::string &configuration);
+    virtual void linkerSymbolFiles(ProjectElement *element, const std::string &configuration,
+                                   StringList &list);
+    virtual void linkerLibraryDirectories(ProjectElement *element, const std::string &configuration,
+                                          StringList &list);
+    // The map file of a link; false if the link makes none.
+    virtual bool mapFilePath(ProjectElement *element, const std::string &configuration,
+                             const std::string &linkOutput, std::string &path);
+    // True if a property that the linker script is made from is newer than time.
+    virtual bool linkerScriptInputsChanged(ProjectElement *element, const std::string &configuration,
+                                           FileTime time);
+    // 0 for a header that isn't a precompiled header, else its compile kind.
+    virtual int precompiledHeaderStep(ProjectElement *element, const std::string &configuration);
+    // True if the file jobs of the project need ordering.
+    virtual bool scanModuleDependencies(ProjectElement *project, const std::string &configuration);
+    virtual std::string moduleNameOf(ProjectElement *element, const std::string &configuration);
+    // The nodes whose jobs must come before this node's.
+    virtual std::vector<ProjectElement *> filePrerequisites(ProjectElement *element,
+                                                            const std::string &configuration);
+    // A folder with a unity_build_file_name while unity building is on.
+    virtual bool isUnityFolder(ProjectElement *element, const std::string &configuration, bool noUnity);
+
+    // ---- Build logic common to all toolchains.
+
+    // What a node is built as; see BuildKind.
+    int buildKind(ProjectElement *element, const std::string &configuration, BuildFlags flags);
+    // The number of steps a node will take.
+    int stepCount(ProjectElement *element, const std::string &configuration, BuildFlags flags);
+    // True for a file whose kind is 1 to 4 or 9.
+    bool hasOwnJob(ProjectElement *file, const std::string &configuration, BuildFlags flags);
+    // Does what the node needs, children first; true if it was or would be built.
+    virtual bool buildElement(ProjectElement *element, const std::string &configuration,
+                              Builder *builder, Idler *idler, BuildFlags flags);
+    bool preBuildStep(ProjectElement *element, const std::string &configuration, Builder *builder,
+                      BuildFlags flags);
+    void postBuildStep(ProjectElement *element, const std::string &configuration, Builder *builder,
+                       bool built);
+    void directoryStep(ProjectElement *element, const std::string &configuration, Builder *builder);
+    // The files that go into a link or an archive; false if they can't be known.
+    bool collectInputs(ProjectElement *project, const std::string &configuration, Builder *builder,
+                       BuildFlags flags, StringList &list);
+    void collectObjects(ProjectElement *first, const std::string &configuration, StringList &list,
+                        bool noUnity);
+    // outputFilePath of the node's own kind.
+    std::string objectFilePath(ProjectElement *element, const std::string &configuration);
+    // The expanded path of a file, against the project directory.
+    std::string sourcePath(ProjectElement *element, const std::string &configuration);
+    // The expanded project_directory, against the solution's directory.
+    std::string projectDirectory(ProjectElement *project, const std::string &configuration);
+    std::string displayName(ProjectElement *element) { return elementName(element); }
+
+    // ---- Up-to-date decisions.
+
+    // True if the target exists (and, with emptyIsMissing, isn't empty);
+    // resolved and targetTime are set.
+    bool checkTarget(const std::string &directory, const std::string &target, std::string &resolved,
+                     FileTime &targetTime, Builder *builder, bool quiet, bool emptyIsMissing);
+    // True if no input is newer than the target, at whole seconds.
+    bool inputsAreOlder(const std::string &directory, const std::string &target, FileTime targetTime,
+                        const StringList &inputs, Builder *builder, bool quiet);
+    // True if no property change of this run or option file speaks against
+    // the target.
+    bool propertiesChanged(ProjectElement *element, const std::string &configuration,
+                           FileTime targetTime, int kind, Builder *builder, bool quiet);
+    // The dependency cache of fileDependencies, on for the time of a build.
+    void setDependencyCacheEnabled(bool enabled);
+
+    // ---- Order of a build.
+
+    // project_dependencies split at ";", wildcards expanded against the
+    // projects of the same solution.
+    StringList projectDependencyNames(ProjectElement *project, const std::string &configuration);
+    // True if the project's solution tree declares the configuration, or it
+    // is "Common".
+    bool configurationApplies(ProjectElement *project, const std::string &configuration);
+    // Every project that the project depends on, directly or not.
+    std::vector<ProjectElement *> allDependencies(ProjectElement *project,
+                                                  const std::string &configuration);
+    bool canBuildInParallel(ProjectElement *project, const std::string &configuration);
+    // The title of a job; empty with BuildNoTitle.
+    std::string stepTitle(ProjectElement *element, const std::string &configuration, BuildFlags flags);
+
+    // Expansion of a node's value with extra macros that win over the node's.
+    std::string expandWith(ProjectElement *element, const std::string &text,
+                           const std::string &configuration, const MacroMap &extra);
+    // The expanded value of a property, empty if it has none.
+    std::string expandedValue(ProjectElement *element, PropertyClass *property,
+                              const std::string &configuration);
+    std::string expandedValue(ProjectElement *element, PropertyClass *property,
+                              const std::string &configuration, const MacroMap &extra);
+
+private:
+    struct DependencyCache {
+        bool enabled = false;
+        std::map<std::pair<ProjectElement *, std::string>, StringList> entries;
+    };
+    DependencyCache dependencyCache_;
+};

@@ -15,6 +15,7 @@ public:
     virtual ~ProjectJobList() = default;
     virtual void append(ProjectJob *job) { jobs_.push_back(job); }
 
+    void clear() { jobs_.clear(); }
     std::size_t size() const { return jobs_.size(); }
     bool empty() const { return jobs_.empty(); }
     ProjectJob *at(std::size_t i) const { return jobs_[i]; }

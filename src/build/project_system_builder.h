@@ -1,5 +1,7 @@
 #pragma once
 
+#include "build/build_flags.h"
+#include "build/build_thread.h"
 #include "build/project_job.h"
 
 #include <map>
@@ -9,23 +11,51 @@
 #include <vector>
 
 class Builder;
-class BuildThread;
 class Idler;
-class ProjectSystem;
+class ProjectElement;
+class StandardProjectSystem;
 
 // The state of one build: the job graph made from the selected element, and
 // the slots that run it. The driver calls idle() once per pass of the build
-// loop and reads `cancelled` right after.
+// loop and at each project visited while the graph is made, and reads
+// `cancelled` right after.
 class ProjectSystemBuilder {
 public:
-    explicit ProjectSystemBuilder(ProjectSystem *projectSystem) : projectSystem(projectSystem) {}
+    // The final status of a build.
+    enum Status { NothingBuilt = 0, Built = 1, Failed = 2, Cancelled = 3 };
+
+    explicit ProjectSystemBuilder(StandardProjectSystem *system) : projectSystem(system) {}
     ProjectSystemBuilder(const ProjectSystemBuilder &) = delete;
     ProjectSystemBuilder &operator=(const ProjectSystemBuilder &) = delete;
-    virtual ~ProjectSystemBuilder() = default;
+    virtual ~ProjectSystemBuilder();
 
     virtual void idle() {}
 
-    ProjectSystem *projectSystem;
+    // Makes the job list of the element and runs it on the builders, one
+    // per slot; returns a Status.
+    int build(ProjectElement *element, const std::string &configuration, int threadCount,
+              const std::vector<Builder *> &builders, Idler *idler, BuildFlags flags,
+              bool followDependencies, bool batch);
+    void prepareBuild(ProjectElement *element, const std::string &configuration, int threadCount,
+                      const std::vector<Builder *> &builders, Idler *idler, BuildFlags flags,
+                      bool followDependencies, bool batch, ProjectJobList &list);
+    // One pass over the slots: true while there is more to do; at the end
+    // false, with the Status in status.
+    bool stepBuild(int &status);
+
+    void addSolutionJobs(ProjectElement *solution, const std::string &configuration, BuildFlags flags,
+                         bool batch, bool noFileJobs, ProjectJobList &list);
+    void addProjectJobs(ProjectElement *project, const std::string &configuration, BuildFlags flags,
+                        bool batch, bool noFileJobs, bool followDependencies, ProjectJobList &list,
+                        ProjectJobList &parentDependencies, ProjectElement *previousProject);
+    void addFileJobs(ProjectElement *parent, const std::string &configuration, BuildFlags flags,
+                     ProjectJobList &list);
+    // Orders the file jobs of one project by their prerequisites; false on a
+    // cycle, which has been reported.
+    bool orderFileJobs(ProjectElement *project, const std::string &configuration,
+                       const ProjectJobList &jobs, ProjectJobList &result);
+
+    StandardProjectSystem *projectSystem;
     // Working sets and result of the file-job ordering.
     std::set<ProjectJob *> visited, visiting;
     std::vector<ProjectJob *> sorted;
@@ -43,8 +73,15 @@ public:
     Idler *idler = nullptr;
     int stepCount = 0;
     int projectCount = 0;
-    std::vector<BuildThread *> workers;
+    // One per slot, null for an empty slot.
+    std::vector<std::unique_ptr<BuildThread>> workers;
     bool built = false;
     bool cancelled = false;
     bool failed = false;
+
+private:
+    ProjectJob *makeJob(ProjectElement *element, const std::string &configuration, BuildFlags flags);
+    bool visitFileJob(ProjectJob *job);
+    void deleteJobs();
+    int jobNumber_ = 0;
 };

@@ -198,3 +198,8 @@ bool StandardProjectSystem::isUnityFolder(ProjectElement *element, const std::st
         getPropertyValue(element, nodeProperties.unityBuildFileName, configuration);
     return name && !name->empty();
 }
+
+void StandardProjectSystem::setDependencyCacheEnabled(bool enabled) {
+    dependencyCache_.enabled = enabled;
+    dependencyCache_.entries.clear();
+}

@@ -1,4 +1,5 @@
 #include "project/project_system.h"
+#include "project/xml/qxml_document.h"
 
 #include "project/project_macro_source.h"
 #include "project/property_group_files.h"
@@ -74,6 +75,30 @@ bool ProjectSystem::isLoaderConfiguration(ProjectElement *configuration) {
 
 void ProjectSystem::initialiseNewConfiguration(ProjectElement *) {}
 
+namespace {
+
+// The type of a file whose file_type is "Default", by its extension; the
+// case of the extension matters (".C" is C++, ".c" is C).
+struct ExtensionType {
+    std::string_view extension;
+    std::string_view type;
+};
+constexpr ExtensionType extensionTypes[] = {
+    {"c", "C"},          {"cpp", "C++"},       {"cc", "C++"},         {"cxx", "C++"},
+    {"c++", "C++"},      {"C", "C++"},         {"s", "Assembly"},     {"S", "Assembly"},
+    {"asm", "Assembly"}, {"h", "Header"},      {"hpp", "Header"},     {"hh", "Header"},
+    {"hxx", "Header"},   {"inc", "Header"},    {"o", "Object file"},  {"a", "Library"},
+    {"ld", "Linker Script"},                   {"elf", "Executable"},
+};
+
+// XML files are told apart by their document type.
+constexpr ExtensionType doctypeTypes[] = {
+    {"Quillmake_Memory_Map_File", "Memory Map"},
+    {"Quillmake_Section_Placement_File", "Section Placement"},
+};
+
+}  // namespace
+
 std::string ProjectSystem::fileTypeName(ProjectElement *element, const std::string &configuration) {
     if (!isFile(element) && !isFolder(element))
         return {};
@@ -82,15 +107,22 @@ std::string ProjectSystem::fileTypeName(ProjectElement *element, const std::stri
     if (type && !type->empty() && *type != "Default")
         return *type;
     const std::string extension = fileExtension(element, configuration);
-    if (extension == "c")
-        return "C";
-    if (extension == "cpp" || extension == "cc" || extension == "cxx" || extension == "c++" ||
-        extension == "C")
-        return "C++";
-    if (extension == "s" || extension == "S" || extension == "asm")
-        return "Assembly";
-    if (extension == "h" || extension == "hpp" || extension == "hh" || extension == "hxx")
-        return "Header";
+    for (const ExtensionType &entry : extensionTypes)
+        if (extension == entry.extension)
+            return std::string(entry.type);
+    if (extension == "xml") {
+        const std::string path = absoluteFilePath(element, configuration);
+        auto known = xmlFileTypes_.find(path);
+        if (known == xmlFileTypes_.end()) {
+            std::string found;
+            const std::string doctype = QXMLDocument::readDoctypeOfFile(path);
+            for (const ExtensionType &entry : doctypeTypes)
+                if (doctype == entry.extension)
+                    found = entry.type;
+            known = xmlFileTypes_.emplace(path, found).first;
+        }
+        return known->second;
+    }
     return {};
 }
 

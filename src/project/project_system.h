@@ -128,7 +128,9 @@ public:
     // Given every configuration that addConfiguration makes in mode 8.
     virtual void initialiseNewConfiguration(ProjectElement *configuration);
     // The type name of a file: file_type unless it is "Default", else taken
-    // from the extension ("C", "C++", "Assembly", "Header"), else empty.
+    // from the extension (".c" C, ".cpp" C++, ".s" Assembly, ".h" Header,
+    // ".o" Object file, ".ld" Linker Script and so on), for ".xml" from the
+    // document type (Memory Map, Section Placement), else empty.
     virtual std::string fileTypeName(ProjectElement *element, const std::string &configuration);
     virtual bool isCppProject(ProjectElement *element, const std::string &configuration);
     virtual ProjectElement *newSolution(const std::string &name, const std::string &directory,
@@ -489,6 +491,9 @@ private:
 
     MacroCache macroCache_;
     std::unique_ptr<PropertyGroupFiles> groupFiles_;
+    // The file type of each ".xml" file met, by absolute path: its document
+    // type is read once.
+    std::map<std::string, std::string> xmlFileTypes_;
 
     // The generic option files read so far, by expanded name; null for a
     // file that couldn't be read.

@@ -370,4 +370,39 @@ TEST(ProjectTree, ProjectLanguageByTheFilesItHolds) {
     EXPECT_FALSE(system.isCppProject(nullptr, "Debug"));
 }
 
+TEST(ProjectTree, DefaultFileTypesComeFromTheExtensionOrTheDocumentType) {
+    TestDirectory directory;
+    directory.write("map.xml", "<?xml version=\"1.0\"?>\n<!DOCTYPE Quillmake_Memory_Map_File>\n<Root/>");
+    directory.write("placement.xml", "<!-- placement -->\n<!DOCTYPE Quillmake_Section_Placement_File>\n<Root/>");
+    directory.write("other.xml", "<!DOCTYPE Something_Else>\n<Root/>");
+    SystemMacros macros;
+    StandardProjectSystem system(&macros);
+    ProjectSystemXMLPP2 document(&system, &macros);
+    std::string files;
+    const std::vector<std::pair<std::string, std::string>> expected = {
+        {"a.c", "C"},           {"a.cpp", "C++"},         {"a.cc", "C++"},
+        {"a.cxx", "C++"},       {"a.c++", "C++"},         {"a.C", "C++"},
+        {"a.s", "Assembly"},    {"a.S", "Assembly"},      {"a.asm", "Assembly"},
+        {"a.h", "Header"},      {"a.hpp", "Header"},      {"a.hh", "Header"},
+        {"a.hxx", "Header"},    {"a.inc", "Header"},      {"a.o", "Object file"},
+        {"a.a", "Library"},     {"a.ld", "Linker Script"}, {"a.elf", "Executable"},
+        {"map.xml", "Memory Map"}, {"placement.xml", "Section Placement"},
+        {"other.xml", ""},      {"missing.xml", ""},      {"a.txt", ""},
+        {"a.CPP", ""},          {"noextension", ""},
+    };
+    for (const auto &[name, type] : expected)
+        files += "<file file_name=\"" + name + "\" />";
+    ASSERT_TRUE(document.parse("<solution Name=\"S\"><project Name=\"P\">" + files +
+                               "<file file_name=\"typed.c\"><configuration Name=\"Common\" file_type=\"Assembly\" /></file>"
+                               "</project></solution>"));
+    system.solution = document.projectRoot();
+    document.takeRoot();
+    system.solution->filePath = FilePath(directory / "s.tbp");
+    system.mapProjects();
+    ProjectElement *project = system.findProject(system.solution, "P");
+    for (const auto &[name, type] : expected)
+        EXPECT_EQ(system.fileTypeName(system.findFileByPath(project, name), "Debug"), type) << name;
+    EXPECT_EQ(system.fileTypeName(system.findFileByPath(project, "typed.c"), "Debug"), "Assembly");
+}
+
 } // namespace

@@ -10,6 +10,7 @@
 #include "project/project_system_helpers.h"
 
 #include <algorithm>
+#include <vector>
 #include <fnmatch.h>
 #include <set>
 
@@ -50,6 +51,7 @@ void ProjectSystemBuilder::prepareBuild(ProjectElement *element, const std::stri
     built = cancelled = failed = false;
     stepCount = projectCount = 0;
     jobMemo.clear();
+    components_.clear();
     jobNumber_ = 0;
     workers.clear();
     projectSystem->setMacroCacheEnabled(true);
@@ -154,8 +156,9 @@ void ProjectSystemBuilder::addProjectJobs(ProjectElement *project, const std::st
                                        "' doesn't apply to dependent project '" +
                                        system.elementName(dependency) + "'");
                 } else {
-                    const std::vector<ProjectElement *> around = system.allDependencies(dependency, config);
-                    if (std::find(around.begin(), around.end(), project) != around.end())
+                    // The project is among the dependency's dependencies
+                    // exactly when the two close a cycle.
+                    if (dependOnEachOther(project, dependency, config))
                         messages.push_back("Project '" + system.elementName(project) +
                                            "' has cyclic dependency on project '" +
                                            system.elementName(dependency) + "'");
@@ -340,6 +343,75 @@ bool ProjectSystemBuilder::visitFileJob(ProjectJob *start) {
     return true;
 }
 
+bool ProjectSystemBuilder::dependOnEachOther(ProjectElement *a, ProjectElement *b,
+                                             const std::string &configuration) {
+    // Tarjan's algorithm from `a`, with an explicit stack, over the edges
+    // that allDependencies follows; each project is numbered once per build.
+    std::map<ProjectElement *, int> &component = components_[configuration];
+    if (!component.count(a)) {
+        struct Node {
+            int index, low;
+            bool onStack;
+        };
+        struct Frame {
+            ProjectElement *project;
+            std::vector<ProjectElement *> successors;
+            std::size_t next;
+        };
+        std::map<ProjectElement *, Node> nodes;
+        std::vector<ProjectElement *> stack;
+        std::vector<Frame> frames;
+        int counter = 0;
+        int components = int(component.size());
+        auto successorsOf = [&](ProjectElement *project) {
+            std::vector<ProjectElement *> successors;
+            for (const std::string &name : projectSystem->projectDependencyNames(project, configuration))
+                if (ProjectElement *found = projectSystem->findProject(project, name))
+                    successors.push_back(found);
+            return successors;
+        };
+        auto enter = [&](ProjectElement *project) {
+            nodes[project] = {counter, counter, true};
+            ++counter;
+            stack.push_back(project);
+            frames.push_back({project, successorsOf(project), 0});
+        };
+        enter(a);
+        while (!frames.empty()) {
+            Frame &frame = frames.back();
+            if (frame.next < frame.successors.size()) {
+                ProjectElement *next = frame.successors[frame.next++];
+                if (component.count(next))
+                    continue;  // finished in an earlier walk
+                auto found = nodes.find(next);
+                if (found == nodes.end())
+                    enter(next);
+                else if (found->second.onStack)
+                    nodes[frame.project].low = std::min(nodes[frame.project].low, found->second.index);
+                continue;
+            }
+            ProjectElement *project = frame.project;
+            const Node node = nodes[project];
+            frames.pop_back();
+            if (!frames.empty())
+                nodes[frames.back().project].low = std::min(nodes[frames.back().project].low, node.low);
+            if (node.low == node.index) {
+                ProjectElement *member = nullptr;
+                do {
+                    member = stack.back();
+                    stack.pop_back();
+                    nodes[member].onStack = false;
+                    component[member] = components;
+                } while (member != project);
+                ++components;
+            }
+        }
+    }
+    if (!component.count(b))
+        return false;
+    return component[a] == component[b];
+}
+
 // ---- What the order asks of the project system.
 
 StringList StandardProjectSystem::projectDependencyNames(ProjectElement *project,
@@ -377,9 +449,10 @@ bool StandardProjectSystem::configurationApplies(ProjectElement *project,
 std::vector<ProjectElement *> StandardProjectSystem::allDependencies(ProjectElement *project,
                                                                      const std::string &configuration) {
     // Depth first in the order of the names, each project once; a cycle
-    // ends where it meets a project already seen.
+    // ends where it meets a project already seen. The project itself is
+    // among the result only if it lies on a cycle.
     std::vector<ProjectElement *> result;
-    std::set<ProjectElement *> seen{project};
+    std::set<ProjectElement *> seen;
     std::vector<std::pair<StringList, std::size_t>> stack;
     std::vector<ProjectElement *> owners{project};
     stack.emplace_back(projectDependencyNames(project, configuration), 0);

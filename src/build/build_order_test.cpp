@@ -194,6 +194,14 @@ TEST_F(BuildOrder, WildcardDependenciesFollowTheNameOrder) {
     EXPECT_EQ(system.allDependencies(project("App"), "Debug").size(), 3u);
 }
 
+TEST_F(BuildOrder, AProjectThatDependsOnItselfIsReportedAndBuiltOnce) {
+    load(R"(  <project Name="Self"><configuration Name="Common" project_dependencies="Self" /></project>
+)");
+    EXPECT_EQ(jobs(system.solution), (Strings{"1 Self begin(1)", "2 Self end+files [1]"}));
+    EXPECT_EQ(helpers.warnings, (Strings{"Debug: Dependency error detected in 'Self' | "
+                                         "Project 'Self' has cyclic dependency on project 'Self'"}));
+}
+
 TEST_F(BuildOrder, BatchBuildsEveryChosenConfigurationWithoutFileJobs) {
     load(R"(  <configuration Name="Debug_Ext" />
   <project Name="App">
@@ -251,7 +259,7 @@ TEST_F(BuildOrder, TitlesNameTheVerbTheNodeAndTheConfiguration) {
 
 TEST_F(BuildOrder, ALongDependencyChainIsOrdered) {
     std::string body;
-    const int length = 300;
+    const int length = 3000;
     for (int i = 0; i < length; ++i)
         body += "  <project Name=\"P" + std::to_string(i) + "\"><configuration Name=\"Common\" " +
                 (i + 1 < length ? "project_dependencies=\"P" + std::to_string(i + 1) + "\"" : "") +
@@ -259,8 +267,8 @@ TEST_F(BuildOrder, ALongDependencyChainIsOrdered) {
     load(body);
     const Strings list = jobs(system.solution);
     ASSERT_EQ(list.size(), std::size_t(2 * length));
-    EXPECT_EQ(list.front(), "1 P299 begin(1)");
-    EXPECT_EQ(list.back(), "600 P0 end+files [599]");
+    EXPECT_EQ(list.front(), "1 P2999 begin(1)");
+    EXPECT_EQ(list.back(), "6000 P0 end+files [5999]");
 }
 
 }  // namespace

@@ -82,6 +82,10 @@ public:
 private:
     ProjectJob *makeJob(ProjectElement *element, const std::string &configuration, BuildFlags flags);
     bool visitFileJob(ProjectJob *job);
-    void deleteJobs();
+    // True if each of the two projects depends on the other, directly or
+    // not: they lie in one strongly connected part of the dependency graph.
+    bool dependOnEachOther(ProjectElement *a, ProjectElement *b, const std::string &configuration);
     int jobNumber_ = 0;
+    // Per configuration, the strongly connected part of each project met.
+    std::map<std::string, std::map<ProjectElement *, int>> components_;
 };

@@ -23,7 +23,8 @@ mkdir -p src
     echo '<solution Name="Bench" version="2">'
     echo '  <configuration Name="Debug" />'
     echo '  <project Name="Stage">'
-    echo '    <configuration Name="Common" project_type="Staging" build_output_directory="out" />'
+    echo '    <configuration Name="Common" project_type="Staging" build_output_directory="out"
+                   stage_set_readonly="Don&apos;t" />'
     for ((i = 0; i < files; ++i)); do
         printf 'file %d\n' "$i" > "src/f$i.txt"
         echo "    <file file_name=\"src/f$i.txt\" />"
@@ -51,7 +52,7 @@ cat > sleep.tbp <<'EOF'
   <configuration Name="Debug" />
   <project Name="Stage">
     <configuration Name="Common" project_type="Staging" build_output_directory="out"
-                   stage_command="sleep 3" />
+                   stage_command="sleep 3" stage_set_readonly="Don't" />
     <file file_name="a" />
     <file file_name="b" />
   </project>

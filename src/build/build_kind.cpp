@@ -2,6 +2,10 @@
 
 #include "build/standard_project_system.h"
 
+#include "build/command_line.h"
+
+#include <algorithm>
+
 namespace {
 
 bool startsWith(const std::string &text, std::string_view prefix) {
@@ -39,14 +43,16 @@ int StandardProjectSystem::buildKind(ProjectElement *element, const std::string 
         return KindNone;
     }
 
-    // A dynamic folder with a path counts as a file for the exclude test.
+    // A dynamic folder with a path counts as a file for the exclude test; a
+    // unity folder, once its file_name names the unity file, is that file.
+    const bool unityFile = isFolder(element) && hasAttribute(element, "file_name");
     const bool dynamicFolder =
         isFolder(element) && !attribute(element, "path").value_or("").empty();
-    if (!isFile(element) && !dynamicFolder)
+    if (!isFile(element) && !dynamicFolder && !unityFile)
         return KindNone;
     if (getPropertyValue(element, nodeProperties.buildExcludeFromBuild, configuration) == "Yes")
         return KindExcluded;
-    if (!isFile(element))
+    if (!isFile(element) && !unityFile)
         return KindNone;
 
     ProjectElement *project = projectOf(element);
@@ -84,29 +90,53 @@ int StandardProjectSystem::stepCount(ProjectElement *element, const std::string 
                                      BuildFlags flags) {
     // Iterative over the subtree: a node's count is its own step plus, unless
     // files are jobs of their own, those of the nodes below it.
-    int count = 0;
     auto own = [&](ProjectElement *node) {
         const int kind = buildKind(node, configuration, flags);
         if (kind == KindExcluded || kind == KindInput)
             return -1;  // no step, and nothing below counts
         return kind == KindNone ? 0 : 1;
     };
+    // A unity folder takes one step for the unity file and one for each file
+    // that a filter keeps out of it.
+    const bool noUnity = flags & BuildNoUnity;
+    auto unitySteps = [&](ProjectElement *folder) {
+        std::vector<ProjectElement *> unityFiles, excludedFiles;
+        partitionUnityFiles(
+            firstChild(folder), configuration,
+            splitCommandChain(
+                expandedValue(folder, nodeProperties.unityBuildExcludeFilter, configuration), ";"),
+            unityFiles, excludedFiles);
+        int count = 1;
+        for (ProjectElement *file : excludedFiles)
+            count += std::max(own(file), 0);
+        return count;
+    };
+
+    auto unityFolder = [&](ProjectElement *node) {
+        return isUnityFolder(node, configuration, noUnity) &&
+               getPropertyValue(node, nodeProperties.buildExcludeFromBuild, configuration)
+                       .value_or("No") == "No";
+    };
+
+    if (unityFolder(element))
+        return (flags & BuildFilesAreJobs) ? 1 : unitySteps(element);
     const int top = own(element);
     if (top < 0)
         return 0;
-    count += top;
+    int count = top;
     if (flags & BuildFilesAreJobs)
         return count;
-    if (isUnityFolder(element, configuration, flags & BuildNoUnity))
-        return count + 1;
     ProjectElement *node = firstChild(element);
     while (node && node != element) {
-        const int step = own(node);
-        if (step > 0)
-            count += step;
-        if (step >= 0 && isUnityFolder(node, configuration, flags & BuildNoUnity)) {
-            ++count;
-        } else if (step >= 0 && firstChild(node)) {
+        bool descend = false;
+        if (unityFolder(node)) {
+            count += unitySteps(node);
+        } else {
+            const int step = own(node);
+            count += std::max(step, 0);
+            descend = step >= 0 && firstChild(node);
+        }
+        if (descend) {
             node = firstChild(node);
             continue;
         }

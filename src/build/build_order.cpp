@@ -10,6 +10,7 @@
 #include "project/project_system_helpers.h"
 
 #include <algorithm>
+#include <deque>
 #include <vector>
 #include <fnmatch.h>
 #include <set>
@@ -90,35 +91,84 @@ void ProjectSystemBuilder::prepareBuild(ProjectElement *element, const std::stri
 void ProjectSystemBuilder::addSolutionJobs(ProjectElement *solution, const std::string &configuration,
                                            BuildFlags flags, bool batch, bool noFileJobs,
                                            ProjectJobList &list) {
-    // Solutions nest only as deep as the file's imports; the recursion is
-    // bounded by the loader's limits.
-    std::vector<ProjectElement *> folders, solutions, withDependencies, without;
-    for (ProjectElement *child = StandardProjectSystem::firstChild(solution); child;
-         child = StandardProjectSystem::nextSibling(child)) {
-        if (StandardProjectSystem::isFolder(child))
-            folders.push_back(child);
-        else if (StandardProjectSystem::isSolution(child))
-            solutions.push_back(child);
-        else if (StandardProjectSystem::isProject(child))
-            (projectSystem->getPropertyValue(child, projectSystem->nodeProperties.projectDependencies,
-                                             configuration)
-                 ? withDependencies
-                 : without)
-                .push_back(child);
-    }
-    for (ProjectElement *folder : folders)
-        addSolutionJobs(folder, configuration, flags, batch, noFileJobs, list);
-    for (ProjectElement *nested : solutions)
-        addSolutionJobs(nested, configuration, flags, batch, noFileJobs, list);
-    ProjectJobList parentDependencies;
-    for (auto *group : {&withDependencies, &without})
-        for (ProjectElement *project : *group) {
+    // A solution's folders and nested solutions come first, each with all
+    // it holds, then its own projects: those that name dependencies before
+    // those that don't. Folders may nest as deep as the file says, so the
+    // walk keeps its own stack.
+    struct Frame {
+        std::vector<ProjectElement *> nested;  // folders, then solutions
+        std::size_t next = 0;
+        std::vector<ProjectElement *> projects;
+    };
+    auto frameOf = [&](ProjectElement *element) {
+        Frame frame;
+        std::vector<ProjectElement *> solutions, without;
+        for (ProjectElement *child = StandardProjectSystem::firstChild(element); child;
+             child = StandardProjectSystem::nextSibling(child)) {
+            if (StandardProjectSystem::isFolder(child))
+                frame.nested.push_back(child);
+            else if (StandardProjectSystem::isSolution(child))
+                solutions.push_back(child);
+            else if (StandardProjectSystem::isProject(child))
+                (projectSystem->getPropertyValue(child, projectSystem->nodeProperties.projectDependencies,
+                                                 configuration)
+                     ? frame.projects
+                     : without)
+                    .push_back(child);
+        }
+        frame.nested.insert(frame.nested.end(), solutions.begin(), solutions.end());
+        frame.projects.insert(frame.projects.end(), without.begin(), without.end());
+        return frame;
+    };
+    std::vector<Frame> stack;
+    stack.push_back(frameOf(solution));
+    while (!stack.empty()) {
+        if (stack.back().next < stack.back().nested.size()) {
+            ProjectElement *nested = stack.back().nested[stack.back().next++];
+            stack.push_back(frameOf(nested));
+            continue;
+        }
+        ProjectJobList parentDependencies;
+        for (ProjectElement *project : stack.back().projects) {
             addProjectJobs(project, configuration, flags, batch, noFileJobs, true, list,
                            parentDependencies, nullptr);
             if (cancelled)
                 return;
         }
+        stack.pop_back();
+    }
 }
+
+namespace {
+
+// One project being added, in one of its configurations at a time. The
+// projects it depends on are added first, each on a frame of its own above
+// it, so that a chain of dependencies as long as the solution doesn't
+// deepen the call stack.
+struct ProjectFrame {
+    ProjectFrame(ProjectElement *element, StringList configurationList, ProjectJobList *parents,
+                 ProjectElement *previous)
+        : project(element),
+          configurations(std::move(configurationList)),
+          parentDependencies(parents),
+          previousProject(previous) {}
+
+    ProjectElement *project;
+    StringList configurations;
+    std::size_t configuration = 0;
+    ProjectJobList *parentDependencies;
+    ProjectElement *previousProject;
+    // The configuration in hand: the projects to build first, the next of
+    // them to add, and the end jobs they left.
+    bool started = false;
+    std::vector<ProjectElement *> first;
+    std::size_t nextFirst = 0;
+    ProjectJobList before;
+    bool parallel = true;
+    ProjectElement *chained = nullptr;
+};
+
+}  // namespace
 
 void ProjectSystemBuilder::addProjectJobs(ProjectElement *project, const std::string &configuration,
                                           BuildFlags flags, bool batch, bool noFileJobs,
@@ -126,116 +176,149 @@ void ProjectSystemBuilder::addProjectJobs(ProjectElement *project, const std::st
                                           ProjectJobList &parentDependencies,
                                           ProjectElement *previousProject) {
     StandardProjectSystem &system = *projectSystem;
-    const StringList configurations = batch ? system.batchBuildConfigurations(project, configuration)
-                                            : StringList{configuration};
-    for (const std::string &config : configurations) {
-        if (isExcluded(system, project, config))
-            continue;
-        ++projectCount;
-        idle();
-        if (cancelled)
-            return;
-        auto memo = jobMemo[project].find(config);
-        if (memo != jobMemo[project].end()) {
-            parentDependencies.append(memo->second);
+    auto configurationsOf = [&](ProjectElement *element, const std::string &config) {
+        return batch ? system.batchBuildConfigurations(element, config) : StringList{config};
+    };
+    // A deque keeps each frame in place while frames are pushed above it.
+    std::deque<ProjectFrame> stack;
+    stack.emplace_back(project, configurationsOf(project, configuration), &parentDependencies,
+                       previousProject);
+    while (!stack.empty()) {
+        ProjectFrame &frame = stack.back();
+        if (frame.configuration == frame.configurations.size()) {
+            stack.pop_back();
             continue;
         }
-
-        // The projects to build first.
-        std::vector<ProjectElement *> first;
-        if (previousProject)
-            first.push_back(previousProject);
-        if (followDependencies) {
-            StringList messages;
-            for (const std::string &name : system.projectDependencyNames(project, config)) {
-                ProjectElement *dependency = system.findProject(project, name);
-                if (!dependency) {
-                    messages.push_back("Can't find project '" + name + "'");
-                } else if (!system.configurationApplies(dependency, config)) {
-                    messages.push_back("Configuration '" + config +
-                                       "' doesn't apply to dependent project '" +
-                                       system.elementName(dependency) + "'");
-                } else {
-                    // The project is among the dependency's dependencies
-                    // exactly when the two close a cycle.
-                    if (dependOnEachOther(project, dependency, config))
-                        messages.push_back("Project '" + system.elementName(project) +
-                                           "' has cyclic dependency on project '" +
-                                           system.elementName(dependency) + "'");
-                    else
-                        first.push_back(dependency);
-                }
+        const std::string config = frame.configurations[frame.configuration];
+        if (!frame.started) {
+            if (isExcluded(system, frame.project, config)) {
+                ++frame.configuration;
+                continue;
             }
-            if (!messages.empty() && system.helpers)
-                system.helpers->warning(project, config,
-                                        "Dependency error detected in '" + system.displayName(project) +
-                                            "'",
-                                        messages);
-        }
-
-        ProjectJobList before;
-        const bool parallel = system.canBuildInParallel(project, config);
-        ProjectElement *chained = nullptr;
-        for (ProjectElement *dependency : first) {
+            ++projectCount;
             idle();
             if (cancelled)
                 return;
-            // The recursion follows project dependencies, which are acyclic
-            // once the cyclic edges above are dropped.
-            addProjectJobs(dependency, config, flags, batch, noFileJobs, followDependencies, list,
-                           before, parallel ? nullptr : chained);
+            auto memo = jobMemo[frame.project].find(config);
+            if (memo != jobMemo[frame.project].end()) {
+                frame.parentDependencies->append(memo->second);
+                ++frame.configuration;
+                continue;
+            }
+            frame.started = true;
+            frame.first = projectsToBuildFirst(frame.project, config, frame.previousProject,
+                                               followDependencies);
+            frame.nextFirst = 0;
+            frame.before.clear();
+            frame.parallel = system.canBuildInParallel(frame.project, config);
+            frame.chained = nullptr;
+            continue;
+        }
+        if (frame.nextFirst < frame.first.size()) {
+            idle();
             if (cancelled)
                 return;
-            chained = dependency;
+            ProjectElement *dependency = frame.first[frame.nextFirst++];
+            ProjectElement *previous = frame.parallel ? nullptr : frame.chained;
+            frame.chained = dependency;
+            stack.emplace_back(dependency, configurationsOf(dependency, config), &frame.before, previous);
+            continue;
         }
-
-        ProjectJob *directoryJob = nullptr;
-        if (flags & BuildExport) {
-            const std::string type =
-                system.getPropertyValue(project, system.nodeProperties.projectType, config).value_or("");
-            if (type == "Executable" || type == "Library" || type == "Object file") {
-                directoryJob = makeJob(project, config, flags | BuildJobExtra);
-                directoryJobs[directoryJob] = system.elementName(project) + "|" + config;
-                list.append(directoryJob);
-            }
-        }
-
-        const int steps = system.stepCount(project, config, flags);
-        stepCount += steps;
-        ProjectJob *begin = makeJob(project, config, withStepCount(flags | BuildJobBegin, steps));
-        if (directoryJob)
-            begin->dependencies.append(directoryJob);
-        for (ProjectJob *job : before)
-            begin->dependencies.append(job);
-        list.append(begin);
-
-        ProjectJob *end = nullptr;
-        if (!noFileJobs) {
-            ProjectJobList fileJobs;
-            if (!system.scanModuleDependencies(project, config)) {
-                addFileJobs(project, config, flags, fileJobs);
-            } else {
-                ProjectJobList scratch;
-                addFileJobs(project, config, flags, scratch);
-                if (!orderFileJobs(project, config, scratch, fileJobs)) {
-                    cancelled = true;
-                    return;
-                }
-            }
-            end = makeJob(project, config, flags | BuildJobEnd | BuildFilesAreJobs);
-            for (ProjectJob *job : fileJobs) {
-                list.append(job);
-                job->dependencies.append(begin);
-                end->dependencies.append(job);
-            }
-        } else {
-            end = makeJob(project, config, flags | BuildJobEnd);
-        }
-        end->dependencies.append(begin);
-        list.append(end);
-        parentDependencies.append(end);
-        jobMemo[project][config] = end;
+        if (!addOwnJobs(frame.project, config, flags, noFileJobs, list, frame.before,
+                        *frame.parentDependencies))
+            return;
+        frame.started = false;
+        ++frame.configuration;
     }
+}
+
+std::vector<ProjectElement *> ProjectSystemBuilder::projectsToBuildFirst(ProjectElement *project,
+                                                                         const std::string &config,
+                                                                         ProjectElement *previousProject,
+                                                                         bool followDependencies) {
+    StandardProjectSystem &system = *projectSystem;
+    std::vector<ProjectElement *> first;
+    if (previousProject)
+        first.push_back(previousProject);
+    if (!followDependencies)
+        return first;
+    StringList messages;
+    for (const std::string &name : system.projectDependencyNames(project, config)) {
+        ProjectElement *dependency = system.findProject(project, name);
+        if (!dependency) {
+            messages.push_back("Can't find project '" + name + "'");
+        } else if (!system.configurationApplies(dependency, config)) {
+            messages.push_back("Configuration '" + config + "' doesn't apply to dependent project '" +
+                               system.elementName(dependency) + "'");
+        } else if (dependOnEachOther(project, dependency, config)) {
+            // The project is among the dependency's dependencies exactly
+            // when the two close a cycle.
+            messages.push_back("Project '" + system.elementName(project) +
+                               "' has cyclic dependency on project '" + system.elementName(dependency) +
+                               "'");
+        } else {
+            first.push_back(dependency);
+        }
+    }
+    if (!messages.empty() && system.helpers)
+        system.helpers->warning(project, config,
+                                "Dependency error detected in '" + system.displayName(project) + "'",
+                                messages);
+    return first;
+}
+
+bool ProjectSystemBuilder::addOwnJobs(ProjectElement *project, const std::string &config,
+                                      BuildFlags flags, bool noFileJobs, ProjectJobList &list,
+                                      const ProjectJobList &before,
+                                      ProjectJobList &parentDependencies) {
+    StandardProjectSystem &system = *projectSystem;
+    ProjectJob *directoryJob = nullptr;
+    if (flags & BuildExport) {
+        const std::string type =
+            system.getPropertyValue(project, system.nodeProperties.projectType, config).value_or("");
+        if (type == "Executable" || type == "Library" || type == "Object file") {
+            directoryJob = makeJob(project, config, flags | BuildJobExtra);
+            directoryJobs[directoryJob] = system.elementName(project) + "|" + config;
+            list.append(directoryJob);
+        }
+    }
+
+    const int steps = system.stepCount(project, config, flags);
+    stepCount += steps;
+    ProjectJob *begin = makeJob(project, config, withStepCount(flags | BuildJobBegin, steps));
+    if (directoryJob)
+        begin->dependencies.append(directoryJob);
+    for (ProjectJob *job : before)
+        begin->dependencies.append(job);
+    list.append(begin);
+
+    ProjectJob *end = nullptr;
+    if (!noFileJobs) {
+        ProjectJobList fileJobs;
+        if (!system.scanModuleDependencies(project, config)) {
+            addFileJobs(project, config, flags, fileJobs);
+        } else {
+            ProjectJobList scratch;
+            addFileJobs(project, config, flags, scratch);
+            if (!orderFileJobs(project, config, scratch, fileJobs)) {
+                cancelled = true;
+                return false;
+            }
+        }
+        end = makeJob(project, config, flags | BuildJobEnd | BuildFilesAreJobs);
+        for (ProjectJob *job : fileJobs) {
+            list.append(job);
+            job->dependencies.append(begin);
+            end->dependencies.append(job);
+        }
+    } else {
+        end = makeJob(project, config, flags | BuildJobEnd);
+    }
+    end->dependencies.append(begin);
+    list.append(end);
+    parentDependencies.append(end);
+    jobMemo[project][config] = end;
+    return true;
 }
 
 void ProjectSystemBuilder::addFileJobs(ProjectElement *parent, const std::string &configuration,

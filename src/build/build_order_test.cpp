@@ -257,9 +257,29 @@ TEST_F(BuildOrder, TitlesNameTheVerbTheNodeAndTheConfiguration) {
     EXPECT_EQ(system.stepTitle(file, "Debug", BuildNoTitle), "");
 }
 
+TEST_F(BuildOrder, FoldersAndNestedSolutionsComeFirstAtAnyDepth) {
+    std::string body = "  <project Name=\"Top\" />\n";
+    const int depth = 10000;
+    for (int i = 0; i < depth; ++i)
+        body += "<folder Name=\"F" + std::to_string(i) + "\">";
+    body += "<project Name=\"Deep\" />";
+    for (int i = 0; i < depth; ++i)
+        body += "</folder>";
+    body += "\n  <solution Name=\"Inner\"><project Name=\"Nested\" /></solution>\n";
+    load(body);
+    EXPECT_EQ(jobs(system.solution), (Strings{
+                                         "1 Deep begin(1)",
+                                         "2 Deep end+files [1]",
+                                         "3 Nested begin(1)",
+                                         "4 Nested end+files [3]",
+                                         "5 Top begin(1)",
+                                         "6 Top end+files [5]",
+                                     }));
+}
+
 TEST_F(BuildOrder, ALongDependencyChainIsOrdered) {
     std::string body;
-    const int length = 3000;
+    const int length = 10000;
     for (int i = 0; i < length; ++i)
         body += "  <project Name=\"P" + std::to_string(i) + "\"><configuration Name=\"Common\" " +
                 (i + 1 < length ? "project_dependencies=\"P" + std::to_string(i + 1) + "\"" : "") +
@@ -267,8 +287,8 @@ TEST_F(BuildOrder, ALongDependencyChainIsOrdered) {
     load(body);
     const Strings list = jobs(system.solution);
     ASSERT_EQ(list.size(), std::size_t(2 * length));
-    EXPECT_EQ(list.front(), "1 P2999 begin(1)");
-    EXPECT_EQ(list.back(), "6000 P0 end+files [5999]");
+    EXPECT_EQ(list.front(), "1 P9999 begin(1)");
+    EXPECT_EQ(list.back(), "20000 P0 end+files [19999]");
 }
 
 }  // namespace

@@ -189,10 +189,3 @@ bool BuildThread::poll(int &exitStatus) {
     return true;
 }
 
-// TEMPORARY until the user steps land (removed at integration).
-__attribute__((weak)) bool StandardProjectSystem::preBuildStep(ProjectElement *, const std::string &,
-                                                               Builder *, BuildFlags) {
-    return false;
-}
-__attribute__((weak)) void StandardProjectSystem::postBuildStep(ProjectElement *, const std::string &,
-                                                                Builder *, bool) {}

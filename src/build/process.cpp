@@ -1,6 +1,7 @@
 #include "build/process.h"
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -314,6 +315,34 @@ int Process::pollChild(int &exitStatus) {
     finish(waitStatus);
     exitStatus = exitStatus_;
     return 0;
+}
+
+void Process::terminateChild(int signal, int graceMilliseconds) {
+    if (pid_ == 0)
+        return;
+    // With our ends closed, a child blocked on a full pipe can't stay stuck.
+    closeStreams();
+    closeInput();
+    int waitStatus = 0;
+    pid_t ended = 0;
+    if (kill(pid_, signal) == 0) {
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(graceMilliseconds);
+        while ((ended = waitpid(pid_, &waitStatus, WNOHANG)) == 0 && std::chrono::steady_clock::now() < deadline)
+            poll(nullptr, 0, 5);
+        if (ended == 0 && kill(pid_, SIGKILL) == 0) {
+            while ((ended = waitpid(pid_, &waitStatus, 0)) < 0 && errno == EINTR) {
+            }
+        }
+    }
+    if (ended <= 0) {
+        // A child that can't be signalled or waited for is let go; all that
+        // is known is what it was asked to do.
+        exitStatus_ = signal;
+        pid_ = 0;
+        return;
+    }
+    finish(waitStatus);
 }
 
 void Process::finish(int waitStatus) {

@@ -78,6 +78,11 @@ protected:
     // Forgets the running child without stopping it, so that it outlives
     // this object.
     void detachChild() { pid_ = 0; }
+    // Stops the running child: its pipes are closed first, dropping output
+    // not yet delivered, then it is sent `signal`; if it hasn't ended within
+    // the grace period it is killed. Either way it is waited for, and its
+    // status becomes the exit status. Nothing happens without a child.
+    void terminateChild(int signal, int graceMilliseconds = 2000);
     void setExitStatus(int status) { exitStatus_ = status; }
 
 private:

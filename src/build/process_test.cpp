@@ -425,6 +425,54 @@ TEST(Process, DestructionHangsUpARunningChildAndWaitsForIt) {
     EXPECT_EQ(errno, ESRCH);
 }
 
+// Polls over a child that has closed its pipes each still wait their
+// millisecond instead of spinning.
+TEST(Process, AChildWithoutPipesIsPolledWithoutSpinning) {
+    RecordingProcess process;
+    ASSERT_EQ(process.startChild(shell("exec >&- 2>&-; sleep 0.3"), "", true, false), 0);
+    int status;
+    int polls = 0;
+    while (process.pollChild(status) != 0)
+        ++polls;
+    EXPECT_EQ(status, 0);
+    // A 1 millisecond wait allows about 300; spinning would make millions.
+    EXPECT_LT(polls, 1000);
+}
+
+class TerminatingProcess : public RecordingProcess {
+public:
+    using Process::terminateChild;
+};
+
+TEST(Process, TerminateStopsTheChildAndDropsItsOutput) {
+    TerminatingProcess process;
+    ASSERT_EQ(process.startChild(shell("printf held; echo ready >&2; exec sleep 30"), "", true, false), 0);
+    int status;
+    while (process.lines.empty())
+        ASSERT_EQ(process.pollChild(status), 1);
+    process.terminateChild(SIGTERM);
+    EXPECT_FALSE(process.running());
+    EXPECT_EQ(process.exitStatus(), SIGTERM);
+    EXPECT_EQ(process.pollChild(status), 0);
+    EXPECT_EQ(status, SIGTERM);
+    EXPECT_EQ(process.lines, std::vector<Line>{err("ready")});
+    // Nothing to stop: nothing changes.
+    process.terminateChild(SIGTERM);
+    EXPECT_EQ(process.exitStatus(), SIGTERM);
+}
+
+TEST(Process, TerminateKillsAChildThatIgnoresTheSignal) {
+    TerminatingProcess process;
+    ASSERT_EQ(process.startChild(shell("trap '' TERM; echo ready; while :; do sleep 1; done"), "", true, false),
+              0);
+    int status;
+    while (process.lines.empty())
+        ASSERT_EQ(process.pollChild(status), 1);
+    process.terminateChild(SIGTERM, 100);
+    EXPECT_FALSE(process.running());
+    EXPECT_EQ(process.exitStatus(), SIGKILL);
+}
+
 TEST(RunTool, CollectsTheLinesOfEachStream) {
     Arguments output, errors;
     EXPECT_EQ(runTool(shell("printf 'a\\nb'; printf 'c\\n' >&2; exit 2"), true, "", &output, &errors), 2);

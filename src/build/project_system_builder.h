@@ -82,6 +82,17 @@ public:
 private:
     ProjectJob *makeJob(ProjectElement *element, const std::string &configuration, BuildFlags flags);
     bool visitFileJob(ProjectJob *job);
+    // The projects that a project's jobs wait for, with the dependency
+    // errors reported.
+    std::vector<ProjectElement *> projectsToBuildFirst(ProjectElement *project,
+                                                       const std::string &configuration,
+                                                       ProjectElement *previousProject,
+                                                       bool followDependencies);
+    // The begin job, the file jobs and the end job of one project in one
+    // configuration; false if the file jobs can't be ordered.
+    bool addOwnJobs(ProjectElement *project, const std::string &configuration, BuildFlags flags,
+                    bool noFileJobs, ProjectJobList &list, const ProjectJobList &before,
+                    ProjectJobList &parentDependencies);
     // True if each of the two projects depends on the other, directly or
     // not: they lie in one strongly connected part of the dependency graph.
     bool dependOnEachOther(ProjectElement *a, ProjectElement *b, const std::string &configuration);

@@ -101,6 +101,23 @@ public:
                                                             const std::string &configuration);
     // A folder with a unity_build_file_name while unity building is on.
     virtual bool isUnityFolder(ProjectElement *element, const std::string &configuration, bool noUnity);
+    // The linker's log file; false if the link writes none.
+    virtual bool linkerLogFilePath(ProjectElement *element, const std::string &configuration,
+                                   std::string &path);
+    // The linker script and memory map file that a link reads, empty for
+    // none; false after a missing one has been reported, which ends the link.
+    virtual bool linkerControlFiles(ProjectElement *element, const std::string &configuration,
+                                    Builder *builder, std::string &linkerScript,
+                                    std::string &memoryMap);
+    // $(MemorySegments) of the pre-link and post-link commands.
+    virtual std::string memorySegmentsText(ProjectElement *element, const std::string &configuration);
+    // $(Defines), $(Includes), $(COptions) and the other option macros of an
+    // external compile command of the kind.
+    virtual void externalCompileMacros(ProjectElement *element, const std::string &configuration,
+                                       int kind, MacroMap &map);
+    // Runs the analysis step of a C or C++ file.
+    virtual void analyzeFile(ProjectElement *element, const std::string &configuration,
+                             Builder *builder);
 
     // ---- Build logic common to all toolchains.
 
@@ -123,6 +140,11 @@ public:
                        BuildFlags flags, StringList &list);
     void collectObjects(ProjectElement *first, const std::string &configuration, StringList &list,
                         bool noUnity);
+    // The files below first (and its siblings) that go into a unity file,
+    // and those that a filter keeps out of it; excluded files go into neither.
+    void partitionUnityFiles(ProjectElement *first, const std::string &configuration,
+                             const StringList &filters, std::vector<ProjectElement *> &unityFiles,
+                             std::vector<ProjectElement *> &excludedFiles);
     // outputFilePath of the node's own kind.
     std::string objectFilePath(ProjectElement *element, const std::string &configuration);
     // The expanded path of a file, against the project directory.

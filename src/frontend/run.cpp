@@ -2,6 +2,7 @@
 
 #include "environment/install_location.h"
 #include "environment/system_macros.h"
+#include "frontend/console_build.h"
 #include "frontend/console_progress.h"
 #include "frontend/program_log.h"
 #include "frontend/quillmake_arg_parse.h"
@@ -99,7 +100,7 @@ private:
     bool host_;
 };
 
-std::unique_ptr<ProjectSystem> createProjectSystem(const QuillmakeArgParse &args,
+std::unique_ptr<StandardProjectSystem> createProjectSystem(const QuillmakeArgParse &args,
                                                    SystemMacros &macros,
                                                    ProjectSystemHelpers *warning) {
     auto system = std::make_unique<ConsoleProjectSystem>(&macros, args.host);
@@ -174,10 +175,20 @@ void prepareSelection(const QuillmakeArgParse &args, ProjectSystem &system,
     }
 }
 
-// Steps 21 to 25: the builders, the idler and the build itself; returns the
-// sum of the builders' error counts.
-int runBuild(const QuillmakeArgParse &, ProjectElement *, unsigned /*threads*/, BuildFlags) {
-    throw HException("building is not available yet");
+// Steps 21 to 25: the builders, the idler and the build itself.
+ConsoleBuildResult runBuild(const QuillmakeArgParse &args, StandardProjectSystem &system,
+                            ProjectElement *selected, unsigned threads, BuildFlags flags) {
+    ConsoleBuildOptions options;
+    options.configuration = text(args.configuration);
+    options.threads = threads;
+    options.flags = flags;
+    options.echo = args.echo;
+    options.show = args.show;
+    options.noStderr = args.noStderr;
+    options.verbose = args.verbose;
+    options.batch = args.batch;
+    options.time = args.time;
+    return runConsoleBuild(system, selected, options);
 }
 
 std::vector<std::string> argumentList(int argc, char **argv) {
@@ -203,7 +214,7 @@ int run(int argc, char **argv) {
     const std::string templatesFile = templatesFileText(args.templatesFile, args.host);
     // 9-10.
     QuillmakeWarning warning(args.noStderr);
-    std::unique_ptr<ProjectSystem> system = createProjectSystem(args, macros, &warning);
+    std::unique_ptr<StandardProjectSystem> system = createProjectSystem(args, macros, &warning);
     (void)templatesFile;
     // 11.
     const BuildFlags flags = fixBuildFlags(args);
@@ -221,13 +232,17 @@ int run(int argc, char **argv) {
             endProgram(1);
     }
     // 21-25.
-    const int errors = runBuild(args, selected, threads, flags);
+    const ConsoleBuildResult result = runBuild(args, *system, selected, threads, flags);
     // 26.
     if (lock)
         lock->release();
+    if (result.interrupted) {
+        std::fprintf(stderr, "error: build interrupted\n");
+        endProgram(1);
+    }
     // 27.
-    if (errors != 0) {
-        std::fprintf(stderr, "There were %d build errors\n", errors);
+    if (result.errors != 0) {
+        std::fprintf(stderr, "There were %d build errors\n", result.errors);
         endProgram(1);
     }
     return 0;

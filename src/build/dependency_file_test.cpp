@@ -1,0 +1,49 @@
+#include "build/dependency_file.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+TEST(DependencyFile, ContinuationLinesJoinIntoOneRule) {
+    const auto rules = parseDependencyRules("obj/a.o: a.c \\\n  inc/a.h \\\r\n inc/b.h\n\nb.h:\n");
+    ASSERT_EQ(rules.size(), 2u);
+    EXPECT_EQ(rules[0].targets, Names{"obj/a.o"});
+    EXPECT_EQ(rules[0].prerequisites, (Names{"a.c", "inc/a.h", "inc/b.h"}));
+    // A colon that ends a line closes the targets too.
+    EXPECT_EQ(rules[1].targets, Names{"b.h"});
+    EXPECT_TRUE(rules[1].prerequisites.empty());
+}
+
+TEST(DependencyFile, EscapedBlanksStayInTheName) {
+    const auto rules = parseDependencyRules("my\\ obj.o: my\\ file.c dir\\ x/a\\#b.h cost$$.h c:\\src\\d.h\n");
+    ASSERT_EQ(rules.size(), 1u);
+    EXPECT_EQ(rules[0].targets, Names{"my obj.o"});
+    EXPECT_EQ(rules[0].prerequisites,
+              (Names{"my file.c", "dir x/a#b.h", "cost$.h", "c:\\src\\d.h"}));
+}
+
+TEST(DependencyFile, ALineWithoutTargetIsAllPrerequisites) {
+    const auto rules = parseDependencyRules("a.c\tb.h   c.h");
+    ASSERT_EQ(rules.size(), 1u);
+    EXPECT_TRUE(rules[0].targets.empty());
+    EXPECT_EQ(rules[0].prerequisites, (Names{"a.c", "b.h", "c.h"}));
+}
+
+TEST(DependencyFile, SeveralTargetsAndAColonInsideAName) {
+    // Only ": " cuts: "C:/x" is a name.
+    const auto rules = parseDependencyRules("a.o a.d: C:/x/a.c\nlast.o: \\");
+    ASSERT_EQ(rules.size(), 2u);
+    EXPECT_EQ(rules[0].targets, (Names{"a.o", "a.d"}));
+    EXPECT_EQ(rules[0].prerequisites, Names{"C:/x/a.c"});
+    // A continuation at the end of the text ends the rule.
+    EXPECT_EQ(rules[1].targets, Names{"last.o"});
+}
+
+TEST(DependencyFile, NothingGivesNoRules) {
+    EXPECT_TRUE(parseDependencyRules("").empty());
+    EXPECT_TRUE(parseDependencyRules("\n \n\\\n").empty());
+}
+
+}  // namespace

@@ -38,3 +38,5 @@ void Builder::writeLines(const std::string &filePath, const std::vector<std::str
     }
     std::fclose(file);
 }
+
+bool Builder::appendWaitDescriptors(std::vector<int> &) { return true; }

@@ -44,6 +44,12 @@ public:
     virtual void deleteFile(const std::string &filePath, bool quiet);
     virtual void jobCreated(ProjectElement *element, const std::string &configuration,
                             unsigned flags, int jobNumber, const std::vector<int> &waitsFor);
+
+    // For a builder whose commands run as children: the descriptors whose
+    // activity ends a wait for them, as Process::appendWaitDescriptors. The
+    // build loop sleeps on these rather than polling each slot in turn.
+    // Other builders add nothing and answer true.
+    virtual bool appendWaitDescriptors(std::vector<int> &descriptors);
 };
 
 // Does nothing at all: handed to a per-element build to learn only whether

@@ -281,7 +281,7 @@ int Process::pollChild(int &exitStatus) {
     }
     // With no pipe left open this still waits the millisecond, so that a
     // caller polling in a loop doesn't spin while the child runs on.
-    if (poll(descriptors, count, 1) > 0) {
+    if (poll(descriptors, count, pollTimeout_) > 0) {
         for (nfds_t i = 0; i < count; ++i) {
             if (descriptors[i].revents != 0)
                 readAvailable(*streams[i], streams[i] == &output_);
@@ -315,6 +315,19 @@ int Process::pollChild(int &exitStatus) {
     finish(waitStatus);
     exitStatus = exitStatus_;
     return 0;
+}
+
+bool Process::appendWaitDescriptors(std::vector<int> &descriptors) const {
+    if (pid_ == 0)
+        return true;
+    bool any = false;
+    for (const Stream *stream : {&output_, &error_}) {
+        if (stream->descriptor >= 0) {
+            descriptors.push_back(stream->descriptor);
+            any = true;
+        }
+    }
+    return any;
 }
 
 void Process::terminateChild(int signal, int graceMilliseconds) {

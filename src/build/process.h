@@ -55,6 +55,14 @@ public:
     // exitStatus and returns 0, as it does when there is no child at all.
     int pollChild(int &exitStatus);
 
+    // How long pollChild waits for output: 1 millisecond unless the owner
+    // waits for all its children at once (appendWaitDescriptors) and sets 0.
+    void setPollTimeout(int milliseconds) { pollTimeout_ = milliseconds; }
+    // Adds the pipes that the running child still holds open, whose output
+    // or end pollChild would take; false if a child runs with none left, so
+    // that only time tells when it ends.
+    bool appendWaitDescriptors(std::vector<int> &descriptors) const;
+
     // Plain write to the child's standard input and read from its standard
     // output. A write to a child that has closed its input fails with EPIPE
     // instead of killing the program.
@@ -108,4 +116,5 @@ private:
     int inputDescriptor_ = -1;  // write end of the child's standard input
     int exitStatus_ = -1;
     int startError_ = 0;
+    int pollTimeout_ = 1;
 };

@@ -9,6 +9,7 @@
 #include "build/standard_project_system.h"
 
 #include <cstdio>
+#include <poll.h>
 
 ProjectSystemBuilder::~ProjectSystemBuilder() = default;
 
@@ -34,6 +35,9 @@ int ProjectSystemBuilder::build(ProjectElement *element, const std::string &conf
 
 bool ProjectSystemBuilder::stepBuild(int &status) {
     const std::size_t slots = workers.size();
+    // Whether this pass changed anything that the next one can act on at
+    // once; if not, the loop sleeps until a child speaks or ends.
+    bool progress = false;
     for (std::size_t slot = 0; slot < slots && !cancelled; ++slot) {
         std::unique_ptr<BuildThread> &worker = workers[slot];
         if (!worker) {
@@ -41,6 +45,7 @@ bool ProjectSystemBuilder::stepBuild(int &status) {
                 worker = std::make_unique<BuildThread>(this, jobList.at(nextJob), builders[slot],
                                                        idler);
                 ++nextJob;
+                progress = true;
             }
             continue;
         }
@@ -70,13 +75,17 @@ bool ProjectSystemBuilder::stepBuild(int &status) {
         }
         job->done = true;
         worker.reset();
+        progress = true;
     }
 
     bool busy = false;
     for (const auto &worker : workers)
         busy = busy || worker != nullptr;
-    if (!failed && !cancelled && (busy || nextJob < jobList.size()))
+    if (!failed && !cancelled && (busy || nextJob < jobList.size())) {
+        if (!progress)
+            waitForChildren();
         return true;
+    }
 
     for (std::size_t slot = 0; slot < slots; ++slot) {
         std::unique_ptr<BuildThread> &worker = workers[slot];
@@ -96,4 +105,20 @@ bool ProjectSystemBuilder::stepBuild(int &status) {
     projectSystem->setMacroCacheEnabled(false);
     projectSystem->setDependencyCacheEnabled(false);
     return false;
+}
+
+void ProjectSystemBuilder::waitForChildren() {
+    // Output or the end of a child shows on its pipes. A child that has
+    // closed them (or left them to a process of its own) only shows by
+    // waitpid, so with such a child the wait is a millisecond; otherwise
+    // it is longer, as a bound for a child whose pipes outlive it.
+    std::vector<int> descriptors;
+    bool allTracked = true;
+    for (std::size_t slot = 0; slot < workers.size(); ++slot)
+        if (workers[slot])
+            allTracked = builders[slot]->appendWaitDescriptors(descriptors) && allTracked;
+    std::vector<pollfd> waitSet;
+    for (int descriptor : descriptors)
+        waitSet.push_back({descriptor, POLLIN, 0});
+    poll(waitSet.data(), waitSet.size(), allTracked && !waitSet.empty() ? 10 : 1);
 }

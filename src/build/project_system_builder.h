@@ -82,6 +82,8 @@ public:
 private:
     ProjectJob *makeJob(ProjectElement *element, const std::string &configuration, BuildFlags flags);
     bool visitFileJob(ProjectJob *job);
+    // Sleeps until a running child writes or ends, or briefly.
+    void waitForChildren();
     // The projects that a project's jobs wait for, with the dependency
     // errors reported.
     std::vector<ProjectElement *> projectsToBuildFirst(ProjectElement *project,

@@ -16,7 +16,12 @@ QuillmakeBuilder::QuillmakeBuilder(ProjectSystemBuilder *driver_, int prefixNumb
       errorStream(noStderr ? out : err),
       verbose(verbose_),
       idler(idler_),
-      standardOutput_(out) {}
+      standardOutput_(out) {
+    // A driven builder's loop waits for all slots' children at once
+    // (appendWaitDescriptors), so its polls needn't wait themselves.
+    if (driver)
+        setPollTimeout(0);
+}
 
 void QuillmakeBuilder::writeLine(FILE *stream, std::string_view text) {
     if (prefixNumber > 0)

@@ -55,6 +55,10 @@ public:
     // as the status, and prints nothing.
     void abandonCommand();
 
+    bool appendWaitDescriptors(std::vector<int> &descriptors) override {
+        return Process::appendWaitDescriptors(descriptors);
+    }
+
     ProjectSystemBuilder *driver;
     int prefixNumber;
     bool echo;

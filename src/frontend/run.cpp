@@ -10,6 +10,8 @@
 #include "project/property_group_files.h"
 #include "build/standard_project_system.h"
 #include "support/exceptions.h"
+#include "toolchain/arm/arm_project_system.h"
+#include "toolchain/gcc_host_project_system.h"
 #include "support/file_info.h"
 #include "support/lock_file.h"
 
@@ -86,24 +88,15 @@ void addMacros(const QuillmakeArgParse &args, SystemMacros &macros) {
         macros.globalMacros()[name] = text(value);
 }
 
-// Step 10. Until the toolchains exist, both kinds of run get the standard
-// property table under their toolchain's platform, so that solution files
-// load and list as they will; building says that it isn't available.
-class ConsoleProjectSystem : public StandardProjectSystem {
-public:
-    ConsoleProjectSystem(SystemMacros *macroTable, bool host)
-        : StandardProjectSystem(macroTable), host_(host) {}
-    std::string platformName() const override { return host_ ? "LINUX" : "ARM"; }
-    int platformCode() const override { return host_ ? 15 : 8; }
-
-private:
-    bool host_;
-};
-
+// Step 10: the hosted GNU tools with -host, else the ARM cross tools.
 std::unique_ptr<StandardProjectSystem> createProjectSystem(const QuillmakeArgParse &args,
-                                                   SystemMacros &macros,
-                                                   ProjectSystemHelpers *warning) {
-    auto system = std::make_unique<ConsoleProjectSystem>(&macros, args.host);
+                                                           SystemMacros &macros,
+                                                           ProjectSystemHelpers *warning) {
+    std::unique_ptr<StandardProjectSystem> system;
+    if (args.host)
+        system = std::make_unique<GCCHostProjectSystem>(&macros);
+    else
+        system = std::make_unique<ARMProjectSystem>(&macros);
     system->installDirectory = installDirectory();
     system->helpers = warning;
     return system;

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "build/standard_project_system.h"
+
+#include <string>
+
+// The GNU tools driven through their compiler driver: gcc, g++ (or clang,
+// clang++) and ar, found through the tool macros that addToolMacros fills.
+class GCCProjectSystem : public StandardProjectSystem {
+public:
+    // toolDirectory becomes the default of build_toolchain_directory;
+    // genericOptionsFile names the toolchain's generic option file;
+    // executableExtension ends the names of executables.
+    GCCProjectSystem(SystemMacros *macroTable, const std::string &toolDirectory,
+                     const std::string &genericOptionsFile, std::string executableExtension);
+
+    std::string objectFileExtension() const override { return ".o"; }
+    std::string libraryFileExtension() const override { return ".a"; }
+    std::string executableFileExtension(ProjectElement *, const std::string &) override {
+        return executableExtension_;
+    }
+    std::string platformName() const override { return "LINUX"; }
+    int platformCode() const override { return 15; }
+    // CLANGTIDY, CC and CCPP, then GCC, GPLUSPLUS, AR, OBJCOPY, OBJDUMP,
+    // RANLIB and STRIP: the expanded build_toolchain_directory and "/",
+    // gcc_prefix and the tool's name. A name that the map or the global
+    // macros already hold keeps its value.
+    void addToolMacros(ProjectElement *element, const std::string &configuration,
+                       MacroMap &map) override;
+    bool mayBeToolMacro(std::string_view name) const override;
+
+    // The build options of the toolchain's General page.
+    PropertyClass *gccPrefix;
+    PropertyClass *gccTarget;
+    PropertyClass *gccVersion;
+    PropertyClass *useClangNotGcc;
+
+protected:
+    // The GCC level of addToolMacros alone.
+    void addDriverToolMacros(ProjectElement *element, const std::string &configuration, MacroMap &map);
+    // Inserts name=value unless the map or the global macros name it.
+    void addToolMacro(MacroMap &map, const std::string &name, const std::string &value) const;
+
+private:
+    std::string executableExtension_;
+    std::vector<std::unique_ptr<PropertyClass>> ownProperties_;
+};

@@ -1,0 +1,95 @@
+// The toolchains' names, extensions and tool macros.
+
+#include "support/test_directory.h"
+#include "toolchain/arm/arm_project_system.h"
+#include "toolchain/gcc_host_project_system.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// A solution of one project, loaded by the project system under test.
+template <class System>
+struct Toolchain {
+    explicit Toolchain(const std::string &configuration = "") {
+        system.installDirectory = "/studio";
+        const std::string file = directory.write(
+            "s.tbp", "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"2\">\n"
+                     "  <configuration Name=\"Debug\" />\n  <project Name=\"P\">\n"
+                     "    <configuration Name=\"Common\" " +
+                         configuration + " />\n  </project>\n</solution>\n");
+        system.loadSolution(file);
+        project = system.findProject(system.solution, "P");
+    }
+    std::string expand(const std::string &text) {
+        return system.expandProjectMacros(project, text, "Debug");
+    }
+    TestDirectory directory;
+    SystemMacros macros;
+    System system{&macros};
+    ProjectElement *project = nullptr;
+};
+
+TEST(HostToolchain, FindsTheToolsOnTheSearchPathUnlessTold) {
+    Toolchain<GCCHostProjectSystem> plain;
+    EXPECT_EQ(plain.expand("$(GCC)|$(GPLUSPLUS)|$(AR)|$(OBJCOPY)|$(OBJDUMP)|$(RANLIB)|$(STRIP)"),
+              "gcc|g++|ar|objcopy|objdump|ranlib|strip");
+    EXPECT_EQ(plain.expand("$(CC)|$(CCPP)"), "/studio/bin/cc|/studio/bin/cc++");
+
+    Toolchain<GCCHostProjectSystem> prefixed("gcc_prefix=\"arm-none-eabi-\"");
+    EXPECT_EQ(prefixed.expand("$(GCC) $(AR)"), "arm-none-eabi-gcc arm-none-eabi-ar");
+
+    Toolchain<GCCHostProjectSystem> directory;
+    directory.macros.globalMacros()["GCCDIR"] = "/opt/gnu/bin";
+    EXPECT_EQ(directory.expand("$(GCC)"), "/opt/gnu/bin/gcc");
+}
+
+TEST(HostToolchain, ClangNamesStayMacrosUntilExpanded) {
+    Toolchain<GCCHostProjectSystem> clang("use_clang_not_gcc=\"Yes\"");
+    MacroMap map;
+    clang.system.addToolMacros(clang.project, "Debug", map);
+    EXPECT_EQ(map["GCC"], "$(CLANG_NAME:clang)");
+    EXPECT_EQ(clang.expand("$(GCC) $(GPLUSPLUS)"), "clang clang++");
+    clang.macros.globalMacros()["CLANG_NAME"] = "clang-14";
+    EXPECT_EQ(clang.expand("$(GCC)"), "clang-14");
+}
+
+TEST(Toolchains, AGlobalMacroWinsAtEveryLevel) {
+    Toolchain<GCCHostProjectSystem> host("build_toolchain_directory=\"/tools\"");
+    host.macros.globalMacros()["AR"] = "/my/ar";
+    EXPECT_EQ(host.expand("$(AR) $(GCC)"), "/my/ar /tools/gcc");
+    Toolchain<ARMProjectSystem> arm;
+    arm.macros.globalMacros()["AR"] = "/my/ar";
+    EXPECT_EQ(arm.expand("$(AR)"), "/my/ar");
+}
+
+TEST(ArmToolchain, UsesTheInstallationsToolsUnlessAnExternalGccIsAsked) {
+    Toolchain<ARMProjectSystem> arm("build_toolchain_directory=\"/cross/bin\"");
+    EXPECT_EQ(arm.expand("$(GCC)|$(GPLUSPLUS)|$(CC1)|$(AS)|$(LD)|$(AR)|$(CLANG)"),
+              "/studio/bin/cc|/studio/bin/cc++|/cross/bin/cc1|/cross/bin/as|/cross/bin/ld|/cross/bin/ar|"
+              "/studio/llvm/bin/clang");
+    Toolchain<ARMProjectSystem> external("use_external_gcc=\"Yes\" gcc_prefix=\"arm-none-eabi-\" "
+                                         "build_toolchain_directory=\"\"");
+    EXPECT_EQ(external.expand("$(GCC) $(AR)"), "arm-none-eabi-gcc arm-none-eabi-ar");
+}
+
+TEST(Toolchains, NamesCodesAndExtensions) {
+    Toolchain<GCCHostProjectSystem> host;
+    EXPECT_EQ(host.system.platformName(), "LINUX");
+    EXPECT_EQ(host.system.platformCode(), 15);
+    EXPECT_TRUE(host.system.isHostedToolchain());
+    EXPECT_EQ(host.system.executableFileExtension(host.project, "Debug"), "");
+    EXPECT_EQ(host.system.genericOptionsFileName, "$(StudioDir)/bin/gcc_warning_options.xml");
+
+    Toolchain<ARMProjectSystem> arm;
+    EXPECT_EQ(arm.system.platformName(), "ARM");
+    EXPECT_EQ(arm.system.platformCode(), 8);
+    EXPECT_FALSE(arm.system.isHostedToolchain());
+    EXPECT_EQ(arm.system.executableFileExtension(arm.project, "Debug"), ".elf");
+    EXPECT_TRUE(arm.system.clangSupported());
+    EXPECT_EQ(arm.system.clangUnsupportedMessage(), "Clang is not supported on this OS version");
+    Toolchain<ARMProjectSystem> external("use_external_gcc=\"Yes\"");
+    EXPECT_EQ(external.system.executableFileExtension(external.project, "Debug"), ".axf");
+}
+
+}  // namespace

@@ -203,3 +203,27 @@ void StandardProjectSystem::setDependencyCacheEnabled(bool enabled) {
     dependencyCache_.enabled = enabled;
     dependencyCache_.entries.clear();
 }
+
+bool StandardProjectSystem::canCheckSyntax(ProjectElement *, const std::string &) { return false; }
+
+std::string StandardProjectSystem::moduleInterfaceFilePath(ProjectElement *element,
+                                                           const std::string &configuration) {
+    std::string path = objectFilePath(element, configuration);
+    const std::string object = objectFileExtension();
+    if (path.size() >= object.size() && path.compare(path.size() - object.size(), object.size(), object) == 0)
+        path.resize(path.size() - object.size());
+    return path + ".gcm";
+}
+
+bool StandardProjectSystem::supportsModuleScan(ProjectElement *, const std::string &) { return false; }
+bool StandardProjectSystem::usesRanlib(ProjectElement *, const std::string &) { return false; }
+bool StandardProjectSystem::usesModuleMapper(ProjectElement *, const std::string &) { return false; }
+bool StandardProjectSystem::usesBrenlowLinker(ProjectElement *, const std::string &) { return false; }
+
+bool StandardProjectSystem::hasOwnValue(ProjectElement *element, PropertyClass *property,
+                                        const std::string &configuration,
+                                        std::optional<std::string> &value) {
+    return isPropertySet(element, property, configuration, value);
+}
+
+void StandardProjectSystem::migrateValue(std::string &) {}

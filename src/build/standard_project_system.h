@@ -118,6 +118,23 @@ public:
     // Runs the analysis step of a C or C++ file.
     virtual void analyzeFile(ProjectElement *element, const std::string &configuration,
                              Builder *builder);
+    // True for a node whose syntax the toolchain can check on its own.
+    virtual bool canCheckSyntax(ProjectElement *element, const std::string &configuration);
+    // The compiled module interface of a C++ module's object: its path with
+    // the extension ".gcm" (gcc) or ".pcm" (clang) for ".o".
+    virtual std::string moduleInterfaceFilePath(ProjectElement *element,
+                                                const std::string &configuration);
+    // What the toolchain's tools can do for a node.
+    virtual bool supportsModuleScan(ProjectElement *element, const std::string &configuration);
+    virtual bool usesRanlib(ProjectElement *element, const std::string &configuration);
+    virtual bool usesModuleMapper(ProjectElement *element, const std::string &configuration);
+    virtual bool usesBrenlowLinker(ProjectElement *element, const std::string &configuration);
+    // True if the property has a value of its own on the node or above it,
+    // which goes into value.
+    virtual bool hasOwnValue(ProjectElement *element, PropertyClass *property,
+                             const std::string &configuration, std::optional<std::string> &value);
+    // Rewrites old property text of one value after a load.
+    virtual void migrateValue(std::string &value);
 
     // ---- Build logic common to all toolchains.
 

@@ -62,3 +62,8 @@ bool GCCProjectSystem::mayBeToolMacro(std::string_view name) const {
             return true;
     return StandardProjectSystem::mayBeToolMacro(name);
 }
+
+bool GCCProjectSystem::canCheckSyntax(ProjectElement *element, const std::string &configuration) {
+    const std::string type = fileTypeName(element, configuration);
+    return isFile(element) && (type == "C" || type == "C++");
+}

@@ -28,6 +28,11 @@ public:
     void addToolMacros(ProjectElement *element, const std::string &configuration,
                        MacroMap &map) override;
     bool mayBeToolMacro(std::string_view name) const override;
+    // C and C++ files.
+    bool canCheckSyntax(ProjectElement *element, const std::string &configuration) override;
+    bool supportsModuleScan(ProjectElement *, const std::string &) override { return true; }
+    bool usesRanlib(ProjectElement *, const std::string &) override { return true; }
+    bool usesModuleMapper(ProjectElement *, const std::string &) override { return true; }
 
     // The build options of the toolchain's General page.
     PropertyClass *gccPrefix;

@@ -58,3 +58,48 @@ bool OstrandGCCProjectSystem::mayBeToolMacro(std::string_view name) const {
             return true;
     return GCCProjectSystem::mayBeToolMacro(name);
 }
+
+bool OstrandGCCProjectSystem::externalGcc(ProjectElement *element, const std::string &configuration) {
+    return getPropertyValue(element, useExternalGcc, configuration) == "Yes";
+}
+
+std::optional<std::string> OstrandGCCProjectSystem::namedValue(ProjectElement *element, const char *name,
+                                                               const std::string &configuration) {
+    PropertyClass *property = propertyClasses.propertyClass(name);
+    return property ? getPropertyValue(element, property, configuration) : std::nullopt;
+}
+
+std::string OstrandGCCProjectSystem::moduleInterfaceFilePath(ProjectElement *element,
+                                                             const std::string &configuration) {
+    std::string path = GCCProjectSystem::moduleInterfaceFilePath(element, configuration);
+    const std::optional<std::string> variant = namedValue(element, "arm_compiler_variant", configuration);
+    if (variant && *variant != "gcc")
+        path.replace(path.size() - 4, 4, ".pcm");
+    return path;
+}
+
+bool OstrandGCCProjectSystem::supportsModuleScan(ProjectElement *element, const std::string &configuration) {
+    return externalGcc(element, configuration) ||
+           namedValue(element, "arm_compiler_variant", configuration) == "gcc";
+}
+
+bool OstrandGCCProjectSystem::usesRanlib(ProjectElement *element, const std::string &configuration) {
+    return externalGcc(element, configuration);
+}
+
+bool OstrandGCCProjectSystem::usesModuleMapper(ProjectElement *element, const std::string &configuration) {
+    return externalGcc(element, configuration);
+}
+
+bool OstrandGCCProjectSystem::usesBrenlowLinker(ProjectElement *element, const std::string &configuration) {
+    return namedValue(element, "arm_linker_variant", configuration) == "Brenlow";
+}
+
+bool OstrandGCCProjectSystem::hasOwnValue(ProjectElement *element, PropertyClass *property,
+                                          const std::string &configuration,
+                                          std::optional<std::string> &value) {
+    if (externalGcc(element, configuration))
+        return GCCProjectSystem::hasOwnValue(element, property, configuration, value);
+    value = getPropertyValue(element, property, configuration);
+    return true;
+}

@@ -1,4 +1,4 @@
-// The toolchains' names, extensions and tool macros.
+// The toolchains' names, extensions, tool macros and what their tools can do.
 
 #include "support/test_directory.h"
 #include "toolchain/arm/arm_project_system.h"
@@ -16,10 +16,14 @@ struct Toolchain {
         const std::string file = directory.write(
             "s.tbp", "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"2\">\n"
                      "  <configuration Name=\"Debug\" />\n  <project Name=\"P\">\n"
-                     "    <configuration Name=\"Common\" " +
-                         configuration + " />\n  </project>\n</solution>\n");
+                     "    <configuration Name=\"Common\" build_intermediate_directory=\"obj\" " +
+                         configuration +
+                         " />\n    <file file_name=\"m.cpp\" />\n    <file file_name=\"h.h\" />\n"
+                         "  </project>\n</solution>\n");
         system.loadSolution(file);
         project = system.findProject(system.solution, "P");
+        source = system.findFileByPath(project, "m.cpp");
+        header = system.findFileByPath(project, "h.h");
     }
     std::string expand(const std::string &text) {
         return system.expandProjectMacros(project, text, "Debug");
@@ -28,6 +32,8 @@ struct Toolchain {
     SystemMacros macros;
     System system{&macros};
     ProjectElement *project = nullptr;
+    ProjectElement *source = nullptr;
+    ProjectElement *header = nullptr;
 };
 
 TEST(HostToolchain, FindsTheToolsOnTheSearchPathUnlessTold) {
@@ -90,6 +96,39 @@ TEST(Toolchains, NamesCodesAndExtensions) {
     EXPECT_EQ(arm.system.clangUnsupportedMessage(), "Clang is not supported on this OS version");
     Toolchain<ARMProjectSystem> external("use_external_gcc=\"Yes\"");
     EXPECT_EQ(external.system.executableFileExtension(external.project, "Debug"), ".axf");
+}
+
+TEST(Toolchains, WhatTheToolsCanDo) {
+    Toolchain<GCCHostProjectSystem> host;
+    auto &h = host.system;
+    EXPECT_TRUE(h.canCheckSyntax(host.source, "Debug"));
+    EXPECT_FALSE(h.canCheckSyntax(host.header, "Debug"));
+    EXPECT_EQ(h.moduleInterfaceFilePath(host.source, "Debug"), host.directory / "obj/m.gcm");
+    EXPECT_TRUE(h.supportsModuleScan(host.source, "Debug"));
+    EXPECT_TRUE(h.usesRanlib(host.project, "Debug"));
+    EXPECT_TRUE(h.usesModuleMapper(host.source, "Debug"));
+    EXPECT_FALSE(h.usesBrenlowLinker(host.project, "Debug"));
+    std::optional<std::string> value;
+    EXPECT_FALSE(h.hasOwnValue(host.project, h.gccPrefix, "Debug", value));
+    EXPECT_TRUE(h.hasOwnValue(host.project, h.nodeProperties.buildIntermediateDirectory, "Debug", value));
+    EXPECT_EQ(value, "obj");
+
+    Toolchain<ARMProjectSystem> arm;
+    auto &a = arm.system;
+    EXPECT_FALSE(a.supportsModuleScan(arm.source, "Debug"));
+    EXPECT_FALSE(a.usesRanlib(arm.project, "Debug"));
+    EXPECT_FALSE(a.usesModuleMapper(arm.source, "Debug"));
+    // Without an external gcc every property counts as set, at its value.
+    value.reset();
+    EXPECT_TRUE(a.hasOwnValue(arm.project, a.gccPrefix, "Debug", value));
+    EXPECT_EQ(value, "$(GCCPREFIX:)");
+
+    Toolchain<ARMProjectSystem> external("use_external_gcc=\"Yes\"");
+    auto &e = external.system;
+    EXPECT_TRUE(e.supportsModuleScan(external.source, "Debug"));
+    EXPECT_TRUE(e.usesRanlib(external.project, "Debug"));
+    EXPECT_TRUE(e.usesModuleMapper(external.source, "Debug"));
+    EXPECT_FALSE(e.hasOwnValue(external.project, e.gccPrefix, "Debug", value));
 }
 
 }  // namespace

@@ -148,6 +148,38 @@ TEST(Staging, ReadOnlyCopiesAndCleaning) {
     EXPECT_FALSE(b.box.exists("out/a.txt"));
 }
 
+TEST(Staging, OrderChecksWithoutCopying) {
+    BuildRun b(stagingProject);
+    expectRun(b.run({"-threadnum", "1", "-order"}), "", "", 0);
+    EXPECT_FALSE(b.box.exists("out/a.txt"));
+    expectRun(b.run({"-threadnum", "1", "-order", "-verbose"}),
+              b.inBox("Checking 'a.txt'\n<box>/out/a.txt does not exist.\n"
+                      "Checking 'b.txt'\n<box>/out/sub/b.txt does not exist.\n"),
+              "", 0);
+    EXPECT_FALSE(b.box.exists("out/a.txt"));
+}
+
+TEST(Staging, TimeReportsTheLoadAndTheBuild) {
+    BuildRun b(stagingProject);
+    expectRun(b.run({"-threadnum", "1", "-time"}), "solution load time 0 seconds\nbuild time 0 seconds\n", "",
+              0);
+}
+
+TEST(Staging, ABatchBuildsEachChosenConfiguration) {
+    BuildRun b(R"x(  <configuration Name="Release" />
+  <project Name="Stage">
+    <configuration Name="Common" project_type="Staging" build_output_directory="out/$(Configuration)"
+                   batch_build_configurations="Debug;Release" />
+    <file file_name="a.txt" />
+  </project>
+)x");
+    expectRun(b.run({"-threadnum", "1", "-batch", "-echo"}),
+              b.inBox("cp a.txt <box>/out/Debug/a.txt\nchmod +w <box>/out/Debug/a.txt\n"
+                      "cp a.txt <box>/out/Release/a.txt\nchmod +w <box>/out/Release/a.txt\n"),
+              "", 0);
+    EXPECT_EQ(b.box.read("out/Release/a.txt"), "alpha\n");
+}
+
 TEST(Failures, AFailedCommandIsNamedAndTheBuildStops) {
     BuildRun b(R"x(  <project Name="Stage">
     <configuration Name="Common" project_type="Staging" build_output_directory="out"

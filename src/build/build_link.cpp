@@ -3,6 +3,7 @@
 
 #include "build/command_line.h"
 #include "build/node_build.h"
+#include "build/sibling_walk.h"
 #include "support/file_info.h"
 #include "support/file_path.h"
 #include "support/file_utils.h"
@@ -66,45 +67,31 @@ void StandardProjectSystem::collectObjects(ProjectElement *first, const std::str
                 list.push_back(object);
         }
     };
-    // Folders are walked with a stack of the siblings still to come.
-    std::vector<ProjectElement *> resume;
-    ProjectElement *node = first;
-    while (node || !resume.empty()) {
-        if (!node) {
-            node = resume.back();
-            resume.pop_back();
-            continue;
-        }
-        ProjectElement *next = nextSibling(node);
+    walkFromSibling(first, [&](ProjectElement *node) {
         if (isFile(node)) {
             addFile(node);
-        } else if (isFolder(node)) {
-            const bool excluded =
-                getPropertyValue(node, nodeProperties.buildExcludeFromBuild, configuration)
-                    .value_or("No") != "No";
-            if (!excluded && isUnityFolder(node, configuration, noUnity)) {
-                pointFolderAtUnityFile(node, unityFilePath(*this, node, configuration));
-                const int kind = buildKind(node, configuration, 0);
-                const std::string object = outputFilePath(kind, node, configuration);
-                if (!object.empty())
-                    list.push_back(object);
-                std::vector<ProjectElement *> unityFiles, excludedFiles;
-                partitionUnityFiles(firstChild(node), configuration,
-                                    splitCommandChain(expandedValue(node,
-                                                                    nodeProperties.unityBuildExcludeFilter,
-                                                                    configuration),
-                                                      ";"),
-                                    unityFiles, excludedFiles);
-                for (ProjectElement *file : excludedFiles)
-                    addFile(file);
-            } else if (ProjectElement *child = firstChild(node)) {
-                resume.push_back(next);
-                node = child;
-                continue;
-            }
+            return false;
         }
-        node = next;
-    }
+        if (!isFolder(node))
+            return false;
+        const bool excluded =
+            getPropertyValue(node, nodeProperties.buildExcludeFromBuild, configuration).value_or("No") != "No";
+        if (excluded || !isUnityFolder(node, configuration, noUnity))
+            return true;
+        pointFolderAtUnityFile(node, unityFilePath(*this, node, configuration));
+        const int kind = buildKind(node, configuration, 0);
+        const std::string object = outputFilePath(kind, node, configuration);
+        if (!object.empty())
+            list.push_back(object);
+        std::vector<ProjectElement *> unityFiles, excludedFiles;
+        partitionUnityFiles(
+            firstChild(node), configuration,
+            splitCommandChain(expandedValue(node, nodeProperties.unityBuildExcludeFilter, configuration), ";"),
+            unityFiles, excludedFiles);
+        for (ProjectElement *file : excludedFiles)
+            addFile(file);
+        return false;
+    });
 }
 
 // ---- Toolchain operations whose base form finds nothing.

@@ -3,6 +3,7 @@
 
 #include "build/command_line.h"
 #include "build/node_build.h"
+#include "build/sibling_walk.h"
 #include "support/file_info.h"
 #include "support/file_utils.h"
 
@@ -18,34 +19,19 @@ void StandardProjectSystem::partitionUnityFiles(ProjectElement *first,
     StringList patterns;
     for (const std::string &filter : filters)
         patterns.push_back("*" + filter + "*");
-    std::vector<ProjectElement *> resume;
-    ProjectElement *node = first;
-    while (node || !resume.empty()) {
-        if (!node) {
-            node = resume.back();
-            resume.pop_back();
-            continue;
-        }
-        ProjectElement *next = nextSibling(node);
+    walkFromSibling(first, [&](ProjectElement *node) {
         const bool built =
             isFile(node) &&
-            getPropertyValue(node, nodeProperties.buildExcludeFromBuild, configuration).value_or("No") ==
-                "No";
-        if (built) {
-            const std::string path = relativeFileName(node, configuration);
-            bool matched = false;
-            for (const std::string &pattern : patterns)
-                matched = matched || fnmatch(pattern.c_str(), path.c_str(), 0) == 0;
-            (matched ? excludedFiles : unityFiles).push_back(node);
-        } else if (!isConfiguration(node)) {
-            if (ProjectElement *child = firstChild(node)) {
-                resume.push_back(next);
-                node = child;
-                continue;
-            }
-        }
-        node = next;
-    }
+            getPropertyValue(node, nodeProperties.buildExcludeFromBuild, configuration).value_or("No") == "No";
+        if (!built)
+            return !isConfiguration(node);
+        const std::string path = relativeFileName(node, configuration);
+        bool matched = false;
+        for (const std::string &pattern : patterns)
+            matched = matched || fnmatch(pattern.c_str(), path.c_str(), 0) == 0;
+        (matched ? excludedFiles : unityFiles).push_back(node);
+        return false;
+    });
 }
 
 std::string unityFilePath(StandardProjectSystem &system, ProjectElement *folder,

@@ -227,3 +227,43 @@ bool StandardProjectSystem::hasOwnValue(ProjectElement *element, PropertyClass *
 }
 
 void StandardProjectSystem::migrateValue(std::string &) {}
+
+void StandardProjectSystem::writeCompilationDatabaseEntry(ProjectElement *, const std::string &,
+                                                          std::string &) {}
+
+void StandardProjectSystem::preprocessFile(ProjectElement *element, const std::string &configuration,
+                                           Builder *builder, bool, const StringList &, std::string &) {
+    if (!builder)
+        return;
+    builder->beginStep(element, "Preprocessing '" + displayName(element) + "'", configuration, 0);
+    builder->reportError("error: preprocessing with the " + platformName() +
+                         " toolchain is not available yet");
+    builder->endStep(element, configuration);
+}
+
+void StandardProjectSystem::preprocessorArguments(ProjectElement *, const std::string &, StringList &) {}
+
+void StandardProjectSystem::codeModelArguments(ProjectElement *, const std::string &, StringList &) {}
+
+void StandardProjectSystem::checkSyntax(ProjectElement *element, const std::string &configuration,
+                                        Builder *builder) {
+    if (!builder)
+        return;
+    builder->beginStep(element, "Checking Syntax '" + displayName(element) + "'", configuration, 0);
+    builder->reportError("error: checking syntax with the " + platformName() +
+                         " toolchain is not available yet");
+    builder->endStep(element, configuration);
+}
+
+void StandardProjectSystem::importLinkerOption(ProjectElement *, const std::string &, StringList &) {}
+
+void StandardProjectSystem::appendPreprocessorOptions(ProjectElement *, const std::string &, int,
+                                                      const std::string &, StringList &) {}
+
+bool StandardProjectSystem::appendDriverOptions(ProjectElement *, const std::string &, int,
+                                                const std::string &, StringList &) {
+    return true;
+}
+
+void StandardProjectSystem::linkerSymbolDefinitions(ProjectElement *, const std::string &,
+                                                    StringList &) {}

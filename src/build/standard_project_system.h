@@ -136,6 +136,39 @@ public:
     // Rewrites old property text of one value after a load.
     virtual void migrateValue(std::string &value);
 
+    // The command lines of the compile family. Their bodies belong to the
+    // toolchains; the forms here add nothing, and the steps that would run a
+    // tool report that the toolchain can't yet.
+
+    // One entry of the compilation database for the node, appended to text.
+    virtual void writeCompilationDatabaseEntry(ProjectElement *element,
+                                               const std::string &configuration, std::string &text);
+    // Preprocesses one file; resultFile gets the output's path.
+    virtual void preprocessFile(ProjectElement *element, const std::string &configuration,
+                                Builder *builder, bool dumpMacros, const StringList &extraOptions,
+                                std::string &resultFile);
+    // The include, define and dependency options of the file.
+    virtual void preprocessorArguments(ProjectElement *element, const std::string &configuration,
+                                       StringList &list);
+    // The options that an external code model needs for the file.
+    virtual void codeModelArguments(ProjectElement *element, const std::string &configuration,
+                                    StringList &list);
+    // One syntax check step of the file.
+    virtual void checkSyntax(ProjectElement *element, const std::string &configuration,
+                             Builder *builder);
+    // Reads one linker option of an imported project into properties.
+    virtual void importLinkerOption(ProjectElement *element, const std::string &configuration,
+                                    StringList &options);
+    virtual void appendPreprocessorOptions(ProjectElement *element, const std::string &configuration,
+                                           int step, const std::string &output, StringList &list);
+    // The options of a compile through the driver; false if the step can't
+    // be made.
+    virtual bool appendDriverOptions(ProjectElement *element, const std::string &configuration,
+                                     int step, const std::string &output, StringList &list);
+    // The symbols that the link defines (stack and heap sizes and the like).
+    virtual void linkerSymbolDefinitions(ProjectElement *element, const std::string &configuration,
+                                         StringList &list);
+
     // ---- Build logic common to all toolchains.
 
     // What a node is built as; see BuildKind.

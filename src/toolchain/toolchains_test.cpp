@@ -4,6 +4,8 @@
 #include "toolchain/arm/arm_project_system.h"
 #include "toolchain/gcc_host_project_system.h"
 
+#include "build/builder.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -129,6 +131,40 @@ TEST(Toolchains, WhatTheToolsCanDo) {
     EXPECT_TRUE(e.usesRanlib(external.project, "Debug"));
     EXPECT_TRUE(e.usesModuleMapper(external.source, "Debug"));
     EXPECT_FALSE(e.hasOwnValue(external.project, e.gccPrefix, "Debug", value));
+}
+
+// Keeps the titles and errors it is given.
+class WordsBuilder : public Builder {
+public:
+    void beginStep(ProjectElement *, const std::string &title, const std::string &, int) override {
+        words.push_back(title);
+    }
+    void endStep(ProjectElement *, const std::string &) override {}
+    void addCommand(const std::string &, const std::vector<std::string> &, const std::string &) override {}
+    void reportError(const std::string &text) override { words.push_back(text); }
+    std::vector<std::string> words;
+};
+
+TEST(Toolchains, StepsWithoutACompilerToolchainSaySo) {
+    Toolchain<GCCHostProjectSystem> host;
+    WordsBuilder builder;
+    std::string result;
+    host.system.preprocessFile(host.source, "Debug", &builder, false, {}, result);
+    host.system.checkSyntax(host.source, "Debug", &builder);
+    host.system.buildStep(host.source, "Debug", 3, "", "", {}, &builder, 0);
+    EXPECT_EQ(builder.words,
+              (std::vector<std::string>{
+                  "Preprocessing 'm.cpp'",
+                  "error: preprocessing with the LINUX toolchain is not available yet",
+                  "Checking Syntax 'm.cpp'",
+                  "error: checking syntax with the LINUX toolchain is not available yet",
+                  "Compiling 'm.cpp'",
+                  "error: compiling, assembling, linking and archiving with the LINUX toolchain are not "
+                  "available yet",
+              }));
+    StringList options;
+    EXPECT_TRUE(host.system.appendDriverOptions(host.source, "Debug", 3, "m.o", options));
+    EXPECT_TRUE(options.empty());
 }
 
 }  // namespace

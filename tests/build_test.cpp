@@ -133,6 +133,12 @@ TEST(Staging, TwoSlotsPrefixEveryLineWithTheSlot) {
     EXPECT_EQ(r.status, 0);
 }
 
+TEST(Staging, AHugeThreadCountCostsNoMoreThanItsSlots) {
+    BuildRun b(stagingProject);
+    expectRun(b.run({"-threadnum", "100000000"}), "", "", 0);
+    EXPECT_EQ(b.box.read("out/sub/b.txt"), "beta\n");
+}
+
 TEST(Staging, ReadOnlyCopiesAndCleaning) {
     BuildRun b(R"x(  <project Name="Stage">
     <configuration Name="Common" project_type="Staging" build_output_directory="out"

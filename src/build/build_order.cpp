@@ -48,6 +48,9 @@ void ProjectSystemBuilder::prepareBuild(ProjectElement *element, const std::stri
                                         bool batch, ProjectJobList &list) {
     threadCount = threads < 1 ? 1 : threads;
     builders = slotBuilders;
+    // A slot needs a builder of its own.
+    if (!builders.empty() && threadCount > int(builders.size()))
+        threadCount = int(builders.size());
     idler = buildIdler;
     built = cancelled = failed = false;
     stepCount = projectCount = 0;

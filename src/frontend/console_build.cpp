@@ -6,6 +6,7 @@
 #include "build/standard_project_system.h"
 #include "frontend/console_progress.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <memory>
@@ -35,7 +36,10 @@ ConsoleBuildResult runConsoleBuild(StandardProjectSystem &system, ProjectElement
     InterruptGuard interrupts;
     ConsoleBuildDriver driver(&system);
     auto *idler = new QuillmakeIdler;
-    const unsigned threads = options.threads < 1 ? 1 : options.threads;
+    // Each slot costs a builder; past this many, more slots only cost
+    // memory, and a huge -threadnum mustn't exhaust it.
+    constexpr unsigned maximumSlots = 1024;
+    const unsigned threads = std::clamp(options.threads, 1u, maximumSlots);
     std::vector<std::unique_ptr<QuillmakeBuilder>> slots;
     std::vector<Builder *> builders;
     for (unsigned i = 0; i < threads; ++i) {

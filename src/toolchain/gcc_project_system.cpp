@@ -1,6 +1,6 @@
 #include "toolchain/gcc_project_system.h"
 
-#include "project/property_table_maker.h"
+#include "project/project_property_class.h"
 
 namespace {
 
@@ -10,20 +10,24 @@ const char *const driverToolMacros[] = {"GCC", "GPLUSPLUS", "AR", "OBJCOPY", "OB
 
 GCCProjectSystem::GCCProjectSystem(SystemMacros *macroTable, const std::string &toolDirectory,
                                    const std::string &genericOptionsFile,
-                                   std::string executableExtension)
-    : StandardProjectSystem(macroTable), executableExtension_(std::move(executableExtension)) {
-    PropertyTableMaker m(propertyClasses, ownProperties_);
-    m.section("General", "Build Options");
-    gccPrefix = m.text("gcc_prefix", PropertyClass::String, "GCC Prefix",
-                       "The prefix of the names of the GNU tools, such as arm-none-eabi-.",
-                       "$(GCCPREFIX:)");
-    gccTarget = m.text("gcc_target", PropertyClass::String, "GCC Target",
-                       "The target triple of the GNU tools.", std::nullopt);
-    gccVersion = m.text("gcc_version", PropertyClass::String, "GCC Version",
-                        "The version of the GNU tools.", std::nullopt);
-    useClangNotGcc = m.boolean("use_clang_not_gcc", "Use Clang",
-                               "Compile and link with clang and clang++ instead of gcc and g++.", false);
+                                   std::string executableExtension, const GCCTableFlags &flags)
+    : StandardProjectSystem(macroTable),
+      gccProperties(propertyClasses, flags),
+      executableExtension_(std::move(executableExtension)) {
     nodeProperties.buildToolchainDirectory->setDefaultValue(toolDirectory);
+    if (flags.removeUnusedSymbols)
+        nodeProperties.buildRemoveUnusedSymbols->setDefaultValue("Yes");
+    toolProperties.linkerMapFile->setDefaultValue(flags.mapFile ? "Yes" : "No");
+    // The options that stand for the values of three standard rows.
+    auto options = [](PropertyClass *property,
+                      std::initializer_list<std::pair<const char *, const char *>> pairs) {
+        if (auto *project = dynamic_cast<ProjectPropertyClass *>(property))
+            for (const auto &[option, value] : pairs)
+                project->addOption(option, value);
+    };
+    options(toolProperties.cppEnableExceptions, {{"-fexceptions", "Yes"}, {"-fno-exceptions", "No"}});
+    options(toolProperties.cppEnableRtti, {{"-frtti", "Yes"}, {"-fno-rtti", "No"}});
+    options(nodeProperties.buildGenerateDependencyFile, {{"-MD", "Yes"}, {"-MMD", "User Header Files Only"}});
     genericOptionsFileName = genericOptionsFile;
 }
 
@@ -39,8 +43,8 @@ void GCCProjectSystem::addDriverToolMacros(ProjectElement *element, const std::s
     std::string directory = expandedValue(element, nodeProperties.buildToolchainDirectory, configuration);
     if (!directory.empty())
         directory += '/';
-    const std::string prefix = directory + expandedValue(element, gccPrefix, configuration);
-    const bool clang = getPropertyValue(element, useClangNotGcc, configuration) == "Yes";
+    const std::string prefix = directory + expandedValue(element, gccProperties.gccPrefix, configuration);
+    const bool clang = getPropertyValue(element, gccProperties.useClangNotGcc, configuration) == "Yes";
     addToolMacro(map, "GCC", prefix + (clang ? "$(CLANG_NAME:clang)" : "gcc"));
     addToolMacro(map, "GPLUSPLUS", prefix + (clang ? "$(CLANGPP_NAME:clang++)" : "g++"));
     addToolMacro(map, "AR", prefix + "ar");

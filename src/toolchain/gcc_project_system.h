@@ -1,6 +1,7 @@
 #pragma once
 
 #include "build/standard_project_system.h"
+#include "toolchain/gcc_property_table.h"
 
 #include <string>
 
@@ -12,7 +13,8 @@ public:
     // genericOptionsFile names the toolchain's generic option file;
     // executableExtension ends the names of executables.
     GCCProjectSystem(SystemMacros *macroTable, const std::string &toolDirectory,
-                     const std::string &genericOptionsFile, std::string executableExtension);
+                     const std::string &genericOptionsFile, std::string executableExtension,
+                     const GCCTableFlags &flags);
 
     std::string objectFileExtension() const override { return ".o"; }
     std::string libraryFileExtension() const override { return ".a"; }
@@ -34,11 +36,7 @@ public:
     bool usesRanlib(ProjectElement *, const std::string &) override { return true; }
     bool usesModuleMapper(ProjectElement *, const std::string &) override { return true; }
 
-    // The build options of the toolchain's General page.
-    PropertyClass *gccPrefix;
-    PropertyClass *gccTarget;
-    PropertyClass *gccVersion;
-    PropertyClass *useClangNotGcc;
+    GCCProperties gccProperties;
 
 protected:
     // The GCC level of addToolMacros alone.
@@ -48,5 +46,4 @@ protected:
 
 private:
     std::string executableExtension_;
-    std::vector<std::unique_ptr<PropertyClass>> ownProperties_;
 };

@@ -11,7 +11,8 @@ const char *const installedToolMacros[] = {"AR",   "AS",      "CC1",     "CC1PLU
 }  // namespace
 
 OstrandGCCProjectSystem::OstrandGCCProjectSystem(SystemMacros *macroTable)
-    : GCCProjectSystem(macroTable, "$(StudioDir)/gcc/$(GCCTarget)/bin", std::string(), ".elf") {
+    : GCCProjectSystem(macroTable, "$(StudioDir)/gcc/$(GCCTarget)/bin", std::string(), ".elf",
+                       GCCTableFlags{true, true, false, true, true}) {
     PropertyTableMaker m(propertyClasses, ownProperties_);
     m.section("General", "Build Options");
     useExternalGcc = m.boolean("use_external_gcc", "Use External GCC",

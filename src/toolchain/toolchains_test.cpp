@@ -5,6 +5,9 @@
 #include "toolchain/gcc_host_project_system.h"
 
 #include "build/builder.h"
+#include "project/project_property_class.h"
+
+#include <algorithm>
 
 #include <gtest/gtest.h>
 
@@ -111,7 +114,7 @@ TEST(Toolchains, WhatTheToolsCanDo) {
     EXPECT_TRUE(h.usesModuleMapper(host.source, "Debug"));
     EXPECT_FALSE(h.usesBrenlowLinker(host.project, "Debug"));
     std::optional<std::string> value;
-    EXPECT_FALSE(h.hasOwnValue(host.project, h.gccPrefix, "Debug", value));
+    EXPECT_FALSE(h.hasOwnValue(host.project, h.gccProperties.gccPrefix, "Debug", value));
     EXPECT_TRUE(h.hasOwnValue(host.project, h.nodeProperties.buildIntermediateDirectory, "Debug", value));
     EXPECT_EQ(value, "obj");
 
@@ -122,7 +125,7 @@ TEST(Toolchains, WhatTheToolsCanDo) {
     EXPECT_FALSE(a.usesModuleMapper(arm.source, "Debug"));
     // Without an external gcc every property counts as set, at its value.
     value.reset();
-    EXPECT_TRUE(a.hasOwnValue(arm.project, a.gccPrefix, "Debug", value));
+    EXPECT_TRUE(a.hasOwnValue(arm.project, a.gccProperties.gccPrefix, "Debug", value));
     EXPECT_EQ(value, "$(GCCPREFIX:)");
 
     Toolchain<ARMProjectSystem> external("use_external_gcc=\"Yes\"");
@@ -130,7 +133,51 @@ TEST(Toolchains, WhatTheToolsCanDo) {
     EXPECT_TRUE(e.supportsModuleScan(external.source, "Debug"));
     EXPECT_TRUE(e.usesRanlib(external.project, "Debug"));
     EXPECT_TRUE(e.usesModuleMapper(external.source, "Debug"));
-    EXPECT_FALSE(e.hasOwnValue(external.project, e.gccPrefix, "Debug", value));
+    EXPECT_FALSE(e.hasOwnValue(external.project, e.gccProperties.gccPrefix, "Debug", value));
+}
+
+TEST(GccTable, RowsAndTheDefaultsEachToolchainGives) {
+    Toolchain<GCCHostProjectSystem> host;
+    Toolchain<ARMProjectSystem> arm;
+    const GCCProperties &table = host.system.gccProperties;
+    std::size_t rows = 0;
+    for (const auto &object : table.objects)
+        rows += dynamic_cast<const MacroPropertyClass *>(object.get()) == nullptr;
+    EXPECT_EQ(rows, 78u);
+    EXPECT_EQ(table.macros.size(), 10u);
+
+    auto value = [](auto &toolchain, const char *name) {
+        return toolchain.system
+            .getPropertyValue(toolchain.project, toolchain.system.propertyClasses.propertyClass(name), "Debug")
+            .value_or("<null>");
+    };
+    for (const char *name : {"linker_use_indirect_files", "gcc_debugging_level", "gcc_prefix",
+                             "gcc_all_warnings_command_line_options", "arm_unwind_tables", "gcc_target"}) {
+        EXPECT_EQ(value(host, name), value(arm, name)) << name;
+    }
+    EXPECT_EQ(value(host, "linker_use_indirect_files"), "Auto");
+    EXPECT_EQ(value(host, "gcc_debugging_level"), "Level 2");
+    EXPECT_EQ(value(host, "gcc_all_warnings_command_line_options"), "-Wall;-Wextra");
+    EXPECT_EQ(value(host, "gcc_target"), "<null>");
+    // The hosted tools make breakpad symbols and no map file, and keep
+    // unused symbols unless told.
+    EXPECT_EQ(value(host, "linker_generate_breakpad_symbols"), "Yes");
+    EXPECT_EQ(value(arm, "linker_generate_breakpad_symbols"), "No");
+    EXPECT_EQ(value(host, "linker_map_file"), "No");
+    EXPECT_EQ(value(arm, "linker_map_file"), "Yes");
+    EXPECT_EQ(value(host, "build_remove_unused_symbols"), "None");
+    EXPECT_EQ(value(arm, "build_remove_unused_symbols"), "Yes");
+    EXPECT_EQ(value(host, "build_toolchain_directory"), "$(GCCDIR:)");
+    EXPECT_EQ(value(arm, "build_toolchain_directory"), "$(StudioDir)/gcc/$(GCCTarget)/bin");
+
+    EXPECT_EQ(host.system.toolProperties.cppEnableExceptions->optionFor("No"), "-fno-exceptions");
+    EXPECT_EQ(host.system.nodeProperties.buildGenerateDependencyFile->optionFor("User Header Files Only"),
+              "-MMD");
+    const auto &compile = host.system.propertyClasses.toolProperties(3);
+    const auto &link = host.system.propertyClasses.toolProperties(7);
+    EXPECT_NE(std::find(compile.begin(), compile.end(), table.optimizationLevel), compile.end());
+    EXPECT_EQ(std::find(compile.begin(), compile.end(), table.entryPoint), compile.end());
+    EXPECT_NE(std::find(link.begin(), link.end(), table.entryPoint), link.end());
 }
 
 // Keeps the titles and errors it is given.

@@ -180,6 +180,24 @@ TEST(GccTable, RowsAndTheDefaultsEachToolchainGives) {
     EXPECT_NE(std::find(link.begin(), link.end(), table.entryPoint), link.end());
 }
 
+TEST(HostToolchain, ListsItsDebuggerPropertiesAfterTheBaseList) {
+    Toolchain<GCCHostProjectSystem> host;
+    ProjectSystem::PropertyClassList list;
+    host.system.appendDebugProperties(host.project, "Debug", list);
+    std::vector<std::string> names;
+    for (PropertyClass *property : list)
+        names.push_back(property->name());
+    EXPECT_EQ(names, (std::vector<std::string>{
+                         "gdb_executable", "gdb_additional_options", "debug_run_in_terminal", "load_gdbinit",
+                         "gdb_console_output", "gdb_debug_output", "gdb_pretty_printing", "remote_protocol",
+                         "remote_target", "remote_ssh_additional_options", "remote_ssh_executable",
+                         "remote_gdbserver_executable", "remote_executable", "remote_sysroot",
+                         "local_sysroot"}));
+    PropertyClass *remote = host.system.propertyClasses.propertyClass("remote_executable");
+    EXPECT_EQ(host.system.getPropertyValue(host.project, remote, "Debug"), "$(TargetPath)");
+    EXPECT_EQ(host.system.propertyClasses.propertyClass("remote_sysroot")->defaultValue(), "");
+}
+
 // Keeps the titles and errors it is given.
 class WordsBuilder : public Builder {
 public:

@@ -35,10 +35,22 @@ public:
     bool supportsModuleScan(ProjectElement *, const std::string &) override { return true; }
     bool usesRanlib(ProjectElement *, const std::string &) override { return true; }
     bool usesModuleMapper(ProjectElement *, const std::string &) override { return true; }
+    // Include directories, defines, undefines, forced includes and macro
+    // files of the node for a compile of the step, then the options that
+    // make the compiler write the dependency file of output.
+    void appendPreprocessorOptions(ProjectElement *element, const std::string &configuration, int step,
+                                   const std::string &output, StringList &list) override;
 
     GCCProperties gccProperties;
 
 protected:
+    // The value of property, macro-expanded, split at ";" with empty entries
+    // dropped; with a step, the entries of its variant for the step's
+    // language (the property named with "_c_only", "_cpp_only" or
+    // "_asm_only") follow.
+    StringList expandedList(ProjectElement *element, PropertyClass *property,
+                            const std::string &configuration, int step = 0);
+
     // The GCC level of addToolMacros alone.
     void addDriverToolMacros(ProjectElement *element, const std::string &configuration, MacroMap &map);
     // Inserts name=value unless the map or the global macros name it.

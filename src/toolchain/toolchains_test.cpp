@@ -198,6 +198,37 @@ TEST(HostToolchain, ListsItsDebuggerPropertiesAfterTheBaseList) {
     EXPECT_EQ(host.system.propertyClasses.propertyClass("remote_sysroot")->defaultValue(), "");
 }
 
+TEST(HostToolchain, PreprocessorOptionsInTheirOrder) {
+    Toolchain<GCCHostProjectSystem> host(
+        "c_user_include_directories=\"inc;/abs/./x/../y;$(ProjectDir)/gen\" "
+        "c_preprocessor_definitions=\"A;B=2;;\" c_preprocessor_undefinitions=\"U\" "
+        "c_include_files=\"force.h\" c_macros_files=\"m.h\"");
+    auto &system = host.system;
+    const std::string dir = host.directory.path();
+    StringList list;
+    system.appendPreprocessorOptions(host.source, "Debug", 2, "obj/m.o", list);
+    EXPECT_EQ(list, (StringList{"-Iinc", "-I/abs/y", "-I" + dir + "/gen", "-DA", "-DB=2", "-UU", "-include",
+                                "force.h", "-imacros", "m.h", "-MD", "-MF", dir + "/obj/m.d", "-MQ", "obj/m.o"}));
+
+    // System directories only when the tree sets them; "-undef" after the
+    // directories; the dependency options follow the property.
+    system.setPropertyValue(host.project, system.toolProperties.cSystemIncludeDirectories, "Common", "/sys;/usr/x");
+    system.setPropertyValue(host.project, system.toolProperties.cUndefineAllPreprocessorDefinitions, "Common", "Yes");
+    system.setPropertyValue(host.project, system.nodeProperties.buildGenerateDependencyFile, "Common",
+                            "User Header Files Only");
+    list.clear();
+    system.appendPreprocessorOptions(host.source, "Debug", 3, "obj/m.o", list);
+    EXPECT_EQ(list, (StringList{"-isystem", "/sys", "-isystem", "/usr/x", "-Iinc", "-I/abs/y", "-I" + dir + "/gen",
+                                "-undef", "-DA", "-DB=2", "-UU", "-include", "force.h", "-imacros", "m.h", "-MMD",
+                                "-MF", dir + "/obj/m.d", "-MQ", "obj/m.o"}));
+
+    system.setPropertyValue(host.project, system.nodeProperties.buildGenerateDependencyFile, "Common", "No");
+    system.setPropertyValue(host.project, system.toolProperties.cIgnoreIncludes, "Common", "Yes");
+    list.clear();
+    system.appendPreprocessorOptions(host.source, "Debug", 2, "obj/m.o", list);
+    EXPECT_EQ(list, (StringList{"-undef", "-DA", "-DB=2", "-UU", "-include", "force.h", "-imacros", "m.h"}));
+}
+
 // Keeps the titles and errors it is given.
 class WordsBuilder : public Builder {
 public:

@@ -1,0 +1,77 @@
+// The preprocessor options of a compile through the driver.
+
+#include "toolchain/gcc_project_system.h"
+
+#include "support/normalise_path.h"
+
+StringList GCCProjectSystem::expandedList(ProjectElement *element, PropertyClass *property,
+                                          const std::string &configuration, int step) {
+    StringList list;
+    auto append = [&](PropertyClass *from) {
+        const std::string text = expandedValue(element, from, configuration);
+        std::size_t start = 0;
+        while (start <= text.size()) {
+            std::size_t end = text.find(';', start);
+            if (end == std::string::npos)
+                end = text.size();
+            if (end > start)
+                list.push_back(text.substr(start, end - start));
+            start = end + 1;
+        }
+    };
+    if (!property)
+        return list;
+    append(property);
+    const char *suffix = step == KindC ? "_c_only" : step == KindCpp ? "_cpp_only" : step == KindAssembly ? "_asm_only" : nullptr;
+    if (suffix)
+        if (PropertyClass *variant = propertyClasses.propertyClass(property->name() + suffix))
+            append(variant);
+    return list;
+}
+
+void GCCProjectSystem::appendPreprocessorOptions(ProjectElement *element, const std::string &configuration,
+                                                 int step, const std::string &output, StringList &list) {
+    const ToolProperties &tools = toolProperties;
+    if (getPropertyValue(element, tools.cIgnoreIncludes, configuration) == "No") {
+        std::optional<std::string> own;
+        if (hasOwnValue(element, tools.cSystemIncludeDirectories, configuration, own))
+            for (const std::string &directory : expandedList(element, tools.cSystemIncludeDirectories, configuration)) {
+                list.push_back("-isystem");
+                list.push_back(directory);
+            }
+        for (std::string directory : expandedList(element, tools.cUserIncludeDirectories, configuration, step)) {
+            if (!directory.empty() && directory[0] == '/')
+                normalisePath(directory);
+            list.push_back("-I" + directory);
+        }
+    }
+    const bool groups = !isHostedToolchain() &&
+                        getPropertyValue(element, tools.addPropertyGroupIncludesDefines, configuration) == "Yes";
+    if (groups)
+        groupIncludes(element, configuration, list);
+    if (getPropertyValue(element, tools.cUndefineAllPreprocessorDefinitions, configuration) == "Yes")
+        list.push_back("-undef");
+    if (groups)
+        groupDefines(element, configuration, list);
+    for (const std::string &define : expandedList(element, tools.cPreprocessorDefinitions, configuration, step))
+        list.push_back("-D" + define);
+    for (const std::string &undefine : expandedList(element, tools.cPreprocessorUndefinitions, configuration, step))
+        list.push_back("-U" + undefine);
+    for (const std::string &file : expandedList(element, tools.cIncludeFiles, configuration, step)) {
+        list.push_back("-include");
+        list.push_back(file);
+    }
+    for (const std::string &file : expandedList(element, tools.cMacrosFiles, configuration, step)) {
+        list.push_back("-imacros");
+        list.push_back(file);
+    }
+    const std::string dependencies =
+        getPropertyValue(element, nodeProperties.buildGenerateDependencyFile, configuration).value_or("Yes");
+    if (!output.empty() && dependencies != "No") {
+        list.push_back(dependencies == "User Header Files Only" ? "-MMD" : "-MD");
+        list.push_back("-MF");
+        list.push_back(dependencyFilePath(element, configuration, output));
+        list.push_back("-MQ");
+        list.push_back(output);
+    }
+}

@@ -40,10 +40,27 @@ public:
     // make the compiler write the dependency file of output.
     void appendPreprocessorOptions(ProjectElement *element, const std::string &configuration, int step,
                                    const std::string &output, StringList &list) override;
+    // The driver's compile of a C or C++ file; the other steps aren't
+    // driven yet and say so.
+    void buildStep(ProjectElement *element, const std::string &configuration, int step,
+                   const std::string &outputRelative, const std::string &outputFile, const StringList &inputs,
+                   Builder *builder, BuildFlags flags) override;
 
     GCCProperties gccProperties;
 
 protected:
+    // The lists of a driver compile, each in its order.
+    void appendCodeGeneration(ProjectElement *element, const std::string &configuration, int step,
+                              StringList &list);
+    void appendDebugInformation(ProjectElement *element, const std::string &configuration, StringList &list);
+    void appendOptimization(ProjectElement *element, const std::string &configuration, StringList &list);
+    // The additional options of the step's language and their files; false
+    // after a missing file has been reported, which ends the step.
+    bool appendAdditionalOptions(ProjectElement *element, const std::string &configuration, int step,
+                                 Builder *builder, StringList &list);
+    bool readOptionsFile(ProjectElement *element, const std::string &configuration, PropertyClass *property,
+                         Builder *builder, StringList &list);
+
     // The value of property, macro-expanded, split at ";" with empty entries
     // dropped; with a step, the entries of its variant for the step's
     // language (the property named with "_c_only", "_cpp_only" or

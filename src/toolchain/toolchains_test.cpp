@@ -8,6 +8,7 @@
 #include "project/project_property_class.h"
 
 #include <algorithm>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -229,6 +230,58 @@ TEST(HostToolchain, PreprocessorOptionsInTheirOrder) {
     EXPECT_EQ(list, (StringList{"-undef", "-DA", "-DB=2", "-UU", "-include", "force.h", "-imacros", "m.h"}));
 }
 
+// Keeps the commands it is given, one line each.
+class CommandBuilder : public Builder {
+public:
+    void beginStep(ProjectElement *, const std::string &title, const std::string &, int) override {
+        lines.push_back("begin " + title);
+    }
+    void endStep(ProjectElement *, const std::string &) override { lines.push_back("end"); }
+    void addCommand(const std::string &, const std::vector<std::string> &arguments,
+                    const std::string &output) override {
+        std::string line;
+        for (const std::string &argument : arguments)
+            line += (line.empty() ? "" : " ") + argument;
+        lines.push_back(line + " => " + output);
+    }
+    void reportError(const std::string &text) override { lines.push_back("error " + text); }
+    std::vector<std::string> lines;
+};
+
+TEST(HostToolchain, DriverCompileArgumentsInTheirOrder) {
+    Toolchain<GCCHostProjectSystem> host(
+        "c_preprocessor_definitions=\"D\" gcc_optimization_level=\"Optimize For More Size\" "
+        "gcc_cplusplus_language_standard=\"c++20\" cpp_enable_exceptions=\"No\" "
+        "gcc_enable_all_warnings=\"Yes\" gcc_cpp_only_all_warnings_command_line_options=\"-Wold-style-cast\" "
+        "gcc_omit_frame_pointer=\"Yes\" gcc_signed_char=\"No\" build_treat_warnings_as_errors=\"Yes\" "
+        "c_additional_options=\"-DQ=&quot;a b&quot; -pipe\" cpp_only_additional_options_from_file=\"opts.txt\" "
+        "gcc_disable_function_inlining=\"Yes\" build_generate_dependency_file=\"No\"");
+    host.directory.write("opts.txt", "-fno-plt /* a comment\nthat goes on */ -fpic\n\n/* only a comment */\n-Wshadow\n");
+    CommandBuilder builder;
+    const std::string dir = host.directory.path();
+    host.system.buildStep(host.source, "Debug", 3, "obj/m.o", dir + "/obj/m.o", {dir + "/m.cpp"}, &builder, 0);
+    EXPECT_EQ(builder.lines,
+              (std::vector<std::string>{
+                  "begin Compiling 'm.cpp'",
+                  "g++ -xc++ -c -fmessage-length=0 -DD -fno-exceptions -Wall -Wextra -Wold-style-cast -std=c++20 "
+                  "-fomit-frame-pointer -ffunction-sections -fdata-sections -Werror -DQ=a b -pipe "
+                  // Each line of the file is one argument, blanks and all:
+                  // "-fno-plt " and " -fpic".
+                  "-fno-plt   -fpic -Wshadow -g -fno-signed-char -Oz -fno-inline-functions " +
+                      dir + "/m.cpp -o obj/m.o => " + dir + "/obj/m.o",
+                  "end",
+              }));
+
+    // A missing options file ends the step with its words, and no command.
+    host.directory.write("opts.txt", "");
+    ::unlink((dir + "/opts.txt").c_str());
+    builder.lines.clear();
+    host.system.buildStep(host.source, "Debug", 3, "obj/m.o", dir + "/obj/m.o", {dir + "/m.cpp"}, &builder, 0);
+    EXPECT_EQ(builder.lines, (std::vector<std::string>{"begin Locating Additional Options File",
+                                                       "error Additional options file 'opts.txt' does not exist.",
+                                                       "end"}));
+}
+
 // Keeps the titles and errors it is given.
 class WordsBuilder : public Builder {
 public:
@@ -247,14 +300,14 @@ TEST(Toolchains, StepsWithoutACompilerToolchainSaySo) {
     std::string result;
     host.system.preprocessFile(host.source, "Debug", &builder, false, {}, result);
     host.system.checkSyntax(host.source, "Debug", &builder);
-    host.system.buildStep(host.source, "Debug", 3, "", "", {}, &builder, 0);
+    host.system.buildStep(host.project, "Debug", 7, "", "", {}, &builder, 0);
     EXPECT_EQ(builder.words,
               (std::vector<std::string>{
                   "Preprocessing 'm.cpp'",
                   "error: preprocessing with the LINUX toolchain is not available yet",
                   "Checking Syntax 'm.cpp'",
                   "error: checking syntax with the LINUX toolchain is not available yet",
-                  "Compiling 'm.cpp'",
+                  "Linking 'P'",
                   "error: compiling, assembling, linking and archiving with the LINUX toolchain are not "
                   "available yet",
               }));

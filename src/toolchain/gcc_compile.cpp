@@ -1,0 +1,310 @@
+// A C or C++ compile through the compiler driver: one run of $(GCC) or
+// $(GPLUSPLUS) makes the object file. The order of the options is the
+// order in which they are appended here.
+
+#include "toolchain/gcc_project_system.h"
+
+#include "build/builder.h"
+#include "build/command_line.h"
+#include "support/file_info.h"
+
+#include <algorithm>
+#include <cctype>
+#include <fstream>
+
+namespace {
+
+// A value that equals neither tested literal adds nothing.
+void either(StringList &list, const std::optional<std::string> &value, const char *yes, const char *no) {
+    if (value == "Yes")
+        list.push_back(yes);
+    else if (value == "No")
+        list.push_back(no);
+}
+
+// The entries of a ";" list, each one argument.
+void appendSplit(StringList &list, const std::string &text) {
+    std::size_t start = 0;
+    while (start <= text.size()) {
+        std::size_t end = text.find(';', start);
+        if (end == std::string::npos)
+            end = text.size();
+        if (end > start)
+            list.push_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+}
+
+}  // namespace
+
+bool GCCProjectSystem::readOptionsFile(ProjectElement *element, const std::string &configuration,
+                                       PropertyClass *property, Builder *builder, StringList &list) {
+    const std::string name = expandedValue(element, property, configuration);
+    if (name.empty())
+        return true;
+    const std::string path = absolutePathFrom(projectDirectory(element, configuration), name);
+    std::ifstream in(path);
+    if (!in) {
+        if (builder) {
+            builder->beginStep(element, "Locating Additional Options File", configuration, 0);
+            builder->reportError("Additional options file '" + name + "' does not exist.");
+            builder->endStep(element, configuration);
+        }
+        return false;
+    }
+    // Comments between /* and */ may span lines; each line that is left is
+    // one argument. Lines are read up to 1,023 characters.
+    bool inComment = false;
+    std::string line;
+    while (std::getline(in, line)) {
+        if (line.size() > 1023)
+            line.resize(1023);
+        std::string kept;
+        for (std::size_t i = 0; i < line.size();) {
+            if (inComment) {
+                const std::size_t end = line.find("*/", i);
+                if (end == std::string::npos)
+                    break;
+                inComment = false;
+                i = end + 2;
+            } else {
+                const std::size_t start = line.find("/*", i);
+                kept += line.substr(i, start == std::string::npos ? std::string::npos : start - i);
+                if (start == std::string::npos)
+                    break;
+                inComment = true;
+                i = start + 2;
+            }
+        }
+        if (!kept.empty() && kept.back() == '\r')
+            kept.pop_back();
+        if (!kept.empty())
+            list.push_back(kept);
+    }
+    return true;
+}
+
+void GCCProjectSystem::appendCodeGeneration(ProjectElement *element, const std::string &configuration, int step,
+                                            StringList &list) {
+    const GCCProperties &gcc = gccProperties;
+    auto value = [&](PropertyClass *property) { return getPropertyValue(element, property, configuration); };
+    const bool cpp = step == KindCpp;
+    if (cpp) {
+        either(list, value(toolProperties.cppEnableExceptions), "-fexceptions", "-fno-exceptions");
+        either(list, value(toolProperties.cppEnableRtti), "-frtti", "-fno-rtti");
+    }
+    if (value(gcc.enableAllWarnings) == "Yes")
+        appendSplit(list, expandedValue(element, gcc.allWarningsOptions, configuration) + ";" +
+                              expandedValue(element, cpp ? gcc.cppOnlyAllWarningsOptions : gcc.cOnlyAllWarningsOptions,
+                                            configuration));
+    if (step == KindC || cpp) {
+        std::string standard = value(cpp ? gcc.cplusplusLanguageStandard : gcc.cLanguageStandard).value_or("None");
+        if (standard == "c++1z")
+            standard = "c++17";
+        else if (standard == "gnu++1z")
+            standard = "gnu++17";
+        if (standard != "None")
+            list.push_back("-std=" + standard);
+    }
+    if (value(toolProperties.cEnforceAnsiChecking) == "Yes")
+        appendSplit(list, expandedValue(element, gcc.enforceAnsiCheckingOptions, configuration) + ";" +
+                              expandedValue(element,
+                                            cpp ? gcc.cppOnlyEnforceAnsiCheckingOptions
+                                                : gcc.cOnlyEnforceAnsiCheckingOptions,
+                                            configuration));
+    if (cpp) {
+        if (value(gcc.enableModules) == "Yes")
+            list.push_back("-fmodules-ts");
+        if (value(gcc.enableCoroutines) == "Yes")
+            list.push_back("-fcoroutines");
+        if (value(gcc.useCxaAtExit) == "No")
+            list.push_back("-fno-use-cxa-atexit");
+        if (value(gcc.threadSafeStatics) == "No")
+            list.push_back("-fno-threadsafe-statics");
+    }
+    either(list, value(gcc.omitFramePointer), "-fomit-frame-pointer", "-fno-omit-frame-pointer");
+    either(list, value(gcc.noCommon), "-fno-common", "-fcommon");
+    either(list, value(gcc.useBuiltins), "-fbuiltin", "-fno-builtin");
+    either(list, value(gcc.mathErrno), "-fmath-errno", "-fno-math-errno");
+    if (value(gcc.instrumentFunctions) == "Yes")
+        list.push_back("-finstrument-functions");
+    if (step == KindC) {
+        const std::optional<std::string> unwind = value(gcc.unwindTables);
+        if (unwind == "Yes")
+            list.push_back("-funwind-tables");
+        else if (unwind == "Asynchronous")
+            list.push_back("-fasynchronous-unwind-tables");
+    }
+    if (value(gcc.useClangNotGcc) == "Yes") {
+        either(list, value(gcc.colorDiagnostics), "-fcolor-diagnostics", "-fno-color-diagnostics");
+        either(list, value(gcc.diagnosticsShowCaret), "-fcaret-diagnostics", "-fno-caret-diagnostics");
+    } else {
+        either(list, value(gcc.colorDiagnostics), "-fdiagnostics-color=always", "-fdiagnostics-color=never");
+        either(list, value(gcc.diagnosticsShowCaret), "-fdiagnostics-show-caret", "-fno-diagnostics-show-caret");
+    }
+    if (value(gcc.functionSections) == "Yes")
+        list.push_back("-ffunction-sections");
+    if (value(gcc.dataSections) == "Yes")
+        list.push_back("-fdata-sections");
+    either(list, value(gcc.strictAliasing), "-fstrict-aliasing", "-fno-strict-aliasing");
+    std::string tls = value(gcc.tlsModel).value_or("None");
+    if (tls != "None") {
+        std::transform(tls.begin(), tls.end(), tls.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+        list.push_back("-ftls-model=" + tls);
+    }
+    either(list, value(gcc.fastMath), "-ffast-math", "-fno-fast-math");
+    if (value(gcc.linkTimeOptimization) == "Yes")
+        list.push_back("-flto");
+    if (value(nodeProperties.buildTreatWarningsAsErrors) == "Yes")
+        list.push_back("-Werror");
+    if (value(nodeProperties.buildSuppressWarnings) == "Yes")
+        list.push_back("-w");
+    if (value(nodeProperties.buildQuietly) != "Yes")
+        list.push_back("-v");
+}
+
+bool GCCProjectSystem::appendAdditionalOptions(ProjectElement *element, const std::string &configuration,
+                                               int step, Builder *builder, StringList &list) {
+    const ToolProperties &tools = toolProperties;
+    auto options = [&](PropertyClass *property) {
+        for (std::string &argument : splitCommandLine(expandedValue(element, property, configuration)))
+            list.push_back(std::move(argument));
+    };
+    if (step == KindAssembly) {
+        options(tools.asmAdditionalOptions);
+        return readOptionsFile(element, configuration, tools.asmAdditionalOptionsFromFile, builder, list);
+    }
+    const bool cpp = step == KindCpp;
+    options(tools.cAdditionalOptions);
+    if (!readOptionsFile(element, configuration, tools.cAdditionalOptionsFromFile, builder, list))
+        return false;
+    options(cpp ? tools.cppOnlyAdditionalOptions : tools.cOnlyAdditionalOptions);
+    return readOptionsFile(element, configuration,
+                           cpp ? tools.cppOnlyAdditionalOptionsFromFile : tools.cOnlyAdditionalOptionsFromFile,
+                           builder, list);
+}
+
+void GCCProjectSystem::appendDebugInformation(ProjectElement *element, const std::string &configuration,
+                                              StringList &list) {
+    if (getPropertyValue(element, nodeProperties.buildDebugInformation, configuration) != "Yes")
+        return;
+    if (isHostedToolchain()) {
+        list.push_back("-g");
+        return;
+    }
+    const GCCProperties &gcc = gccProperties;
+    const std::string level = getPropertyValue(element, gcc.debuggingLevel, configuration).value_or("None");
+    if (level == "None")
+        return;
+    const std::string version = getPropertyValue(element, gcc.dwarfVersion, configuration).value_or("None");
+    if (version.size() == 7 && version.compare(0, 6, "dwarf-") == 0 && version[6] >= '2' && version[6] <= '5')
+        list.push_back("-g" + version);
+    if (level == "Level 1")
+        list.push_back("-g1");
+    else if (level == "Level 2")
+        list.push_back("-g2");
+    else if (level == "Level 3")
+        list.push_back("-g3");
+    if (getPropertyValue(element, gcc.dwarfGeneratePubnames, configuration) == "Yes")
+        list.push_back("-gpubnames");
+    if (getPropertyValue(element, gcc.dwarfGenerateDebugTypes, configuration) == "Yes")
+        list.push_back("-fdebug-types-section");
+}
+
+void GCCProjectSystem::appendOptimization(ProjectElement *element, const std::string &configuration,
+                                          StringList &list) {
+    const GCCProperties &gcc = gccProperties;
+    const bool oz = getPropertyValue(element, gcc.hasOzOptimizationLevel, configuration) == "Yes";
+    const std::string level = getPropertyValue(element, gcc.optimizationLevel, configuration).value_or("None");
+    const char *option = nullptr;
+    if (level == "Debug")
+        option = "-Og";
+    else if (level == "Level 0")
+        option = "-O0";
+    else if (level == "Level 1")
+        option = "-O1";
+    else if (level == "Level 2" || level == "Level 2 for speed")
+        option = "-O2";
+    else if (level == "Level 2 balanced")
+        option = oz ? "-Os" : "-O2";
+    else if (level == "Level 2 for size" || level == "Optimize For More Size")
+        option = oz ? "-Oz" : "-Os";
+    else if (level == "Optimize For Size")
+        option = "-Os";
+    else if (level.compare(0, 7, "Level 3") == 0)
+        option = "-O3";
+    if (option)
+        list.push_back(option);
+    if (getPropertyValue(element, gcc.disableFunctionInlining, configuration) == "Yes")
+        list.push_back("-fno-inline-functions");
+}
+
+void GCCProjectSystem::buildStep(ProjectElement *element, const std::string &configuration, int step,
+                                 const std::string &outputRelative, const std::string &outputFile,
+                                 const StringList &inputs, Builder *builder, BuildFlags flags) {
+    if (step != KindC && step != KindCpp) {
+        StandardProjectSystem::buildStep(element, configuration, step, outputRelative, outputFile, inputs,
+                                         builder, flags);
+        return;
+    }
+    const GCCProperties &gcc = gccProperties;
+    auto value = [&](PropertyClass *property) { return getPropertyValue(element, property, configuration); };
+    StringList arguments;
+    arguments.push_back(expandProjectMacros(element, step == KindCpp ? "$(GPLUSPLUS)" : "$(GCC)", configuration));
+    if (value(gcc.useClangNotGcc) == "Yes") {
+        const std::string target = expandedValue(element, gcc.gccTarget, configuration);
+        const std::string multiLib = expandedValue(element, gcc.clangMultiLibConfig, configuration);
+        const std::string toolchain = expandedValue(element, gcc.clangGccToolchain, configuration);
+        if (!target.empty())
+            arguments.push_back("--target=" + target);
+        if (!multiLib.empty())
+            arguments.push_back("--multi-lib-config=" + multiLib);
+        if (!toolchain.empty())
+            arguments.push_back("--gcc-toolchain=" + toolchain);
+    }
+    arguments.push_back(step == KindC ? "-xc" : "-xc++");
+    arguments.push_back("-c");
+    if (value(gcc.setMessageLengthToZero) == "Yes")
+        arguments.push_back("-fmessage-length=0");
+    if (!appendDriverOptions(element, configuration, step, outputRelative, arguments))
+        return;
+    appendPreprocessorOptions(element, configuration, step, outputRelative, arguments);
+    appendCodeGeneration(element, configuration, step, arguments);
+    if (!appendAdditionalOptions(element, configuration, step, builder, arguments))
+        return;
+    if (step == KindCpp && value(gcc.enableModules) == "Yes" && usesModuleMapper(element, configuration))
+        arguments.push_back("-Mno-modules");
+    appendDebugInformation(element, configuration, arguments);
+    {
+        const std::optional<std::string> wchar = value(gcc.wcharSize);
+        if (wchar == "16-Bit")
+            arguments.push_back("-fshort-wchar");
+        else if (wchar == "32-Bit")
+            arguments.push_back("-fno-short-wchar");
+        const std::optional<std::string> enums = value(gcc.shortEnum);
+        if (enums == "Minimal Container Size")
+            arguments.push_back("-fshort-enums");
+        else if (enums == "Int Size")
+            arguments.push_back("-fno-short-enums");
+        either(arguments, value(gcc.signedChar), "-fsigned-char", "-fno-signed-char");
+    }
+    appendOptimization(element, configuration, arguments);
+    if (fileTypeName(element, configuration) == "Preprocess")
+        arguments.push_back("-E");
+    if (!inputs.empty())
+        arguments.push_back(inputs.front());
+    arguments.push_back("-o");
+    arguments.push_back(outputRelative);
+
+    if (!builder)
+        return;
+    const std::string directory = projectDirectory(element, configuration);
+    builder->beginStep(element, "Compiling '" + displayName(element) + "'", configuration, 0);
+    builder->addCommand(directory, arguments, outputFile);
+    if (value(toolProperties.asmGenerateListingFile) == "Yes")
+        builder->addCommand(directory,
+                            {expandProjectMacros(element, "$(OBJDUMP)", configuration), outputRelative, "-d", "-S",
+                             ">", intermediateFilePath(element, configuration, inputs.empty() ? outputFile : inputs.front(), ".lst")},
+                            std::string());
+    builder->endStep(element, configuration);
+}

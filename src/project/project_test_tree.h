@@ -17,9 +17,19 @@ struct TestMacroTable {
     SystemMacros systemMacros;
 };
 
-class TestProjectSystem : public TestMacroTable, public ProjectSystem {
+// A project system of class System (ProjectSystem or one derived from it)
+// with a tree parsed from text.
+template <class System>
+class TestTree : public TestMacroTable, public System {
 public:
-    TestProjectSystem() : ProjectSystem(&systemMacros) {}
+    TestTree() : System(&systemMacros) {}
+    using System::close;
+    using System::findElementByName;
+    using System::macros;
+    using System::mapProjects;
+    using System::propertyClasses;
+    using System::solution;
+    using System::trackingChanges;
 
     // Makes the tree of `text` the loaded solution, as if it had been read
     // from `fileName`.
@@ -50,3 +60,5 @@ public:
         return found;
     }
 };
+
+using TestProjectSystem = TestTree<ProjectSystem>;

@@ -13,31 +13,8 @@ using Strings = std::vector<std::string>;
 
 // A toolchain with the standard table, a target code of its own, and one
 // property name of its own that stands for a standard one.
-class GroupSystem : public TestMacroTable, public StandardProjectSystem {
+class GroupSystem : public TestTree<StandardProjectSystem> {
 public:
-    GroupSystem() : StandardProjectSystem(&systemMacros) {}
-
-    ProjectElement *load(const std::string &text, const std::string &fileName) {
-        close();
-        ProjectSystemXMLPP2 document(this, macros);
-        EXPECT_TRUE(document.parse(text)) << document.errorText;
-        solution = document.projectRoot();
-        document.takeRoot();
-        solution->filePath = FilePath(fileName);
-        mapProjects();
-        trackingChanges = true;
-        return solution;
-    }
-    ProjectElement *node(const std::string &name) {
-        ProjectElement *found = findElementByName(solution, name);
-        EXPECT_NE(found, nullptr) << name;
-        return found;
-    }
-    PropertyClass *property(const std::string &name) {
-        PropertyClass *found = propertyClasses.propertyClass(name);
-        EXPECT_NE(found, nullptr) << name;
-        return found;
-    }
     std::optional<std::string> value(ProjectElement *element, const std::string &name,
                                       const std::string &configuration) {
         return getPropertyValue(element, propertyClasses.propertyClass(name), configuration);

@@ -29,29 +29,8 @@ Strings names(const PropertyValueList &list) {
 
 // A standard project system whose toolchain operations each add one marker
 // class and note that they were asked.
-class ListingSystem : public TestMacroTable, public StandardProjectSystem {
+class ListingSystem : public TestTree<StandardProjectSystem> {
 public:
-    ListingSystem() : StandardProjectSystem(&systemMacros) {}
-
-    ProjectElement *load(const std::string &text, const std::string &fileName = "/work/s/s.tbp") {
-        close();
-        ProjectSystemXMLPP2 document(this, macros);
-        EXPECT_TRUE(document.parse(text)) << document.errorText;
-        solution = document.projectRoot();
-        document.takeRoot();
-        if (solution)
-            solution->filePath = FilePath(fileName);
-        mapProjects();
-        trackingChanges = true;
-        return solution;
-    }
-
-    ProjectElement *node(const std::string &name) {
-        ProjectElement *found = findElementByName(solution, name);
-        EXPECT_NE(found, nullptr) << name;
-        return found;
-    }
-
     bool isHostedToolchain() const override { return hosted; }
     void appendCProperties(ProjectElement *, const std::string &, PropertyClassList &list) override {
         ask("c", list);

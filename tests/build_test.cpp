@@ -279,7 +279,7 @@ TEST(ExternallyBuilt, CompilesArchivesAndLinksWithTheMachinesTools) {
                    build_output_directory="out" build_intermediate_directory="obj"
                    build_output_file_name="out/app"
                    external_c_compile_command="gcc -c $(InputPath) -o $(TargetPath)"
-                   external_link_command="gcc $(Objects) out/libtwice.a -o $(TargetPath)" />
+                   external_link_command="gcc $(Objects) out/libtwice.a -o $(TargetPath) -Wl,-Map,$(RelMapPath)" />
     <file file_name="main.c" />
   </project>
   <project Name="Lib">
@@ -310,7 +310,7 @@ TEST(ExternallyBuilt, CompilesArchivesAndLinksWithTheMachinesTools) {
     const auto rebuilt = b.run({"-threadnum", "1", "-echo"});
     EXPECT_EQ(rebuilt.out, b.inBox("gcc -c <box>/twice.c -o <box>/obj/lib/twice.o\n"
                                    "ar rcs <box>/out/libtwice.a <box>/obj/lib/twice.o\n"
-                                   "gcc <box>/obj/main.o out/libtwice.a -o <box>/out/app\n"));
+                                   "gcc <box>/obj/main.o out/libtwice.a -o <box>/out/app -Wl,-Map,out/app.map\n"));
     EXPECT_EQ(rebuilt.status, 0);
 }
 

@@ -7,7 +7,7 @@ class BuildElement : public NodeBuildTest {
 protected:
     void loadApp(const std::string &projectProperties = "", const std::string &files = "") {
         load(R"x(  <project Name="App">
-    <configuration Name="Common" project_type="Executable" build_output_file_name="out/app.elf" )x" +
+    <configuration Name="Common" project_type="Executable" build_output_file_name="out/app.elf" linker_map_file="No" )x" +
              projectProperties + R"x( />
     <file file_name="a.c" />
     <folder Name="sub"><file file_name="sub/b.c" /></folder>
@@ -73,7 +73,7 @@ TEST_F(BuildElement, ExcludedFilesAreNeitherBuiltNorLinked) {
 
 TEST_F(BuildElement, AnObjectFileGivenTwiceStopsTheLink) {
     load(R"x(  <project Name="App">
-    <configuration Name="Common" project_type="Executable" build_output_file_name="out/app.elf" />
+    <configuration Name="Common" project_type="Executable" build_output_file_name="out/app.elf" linker_map_file="No" />
     <folder Name="one"><file file_name="one/x.c" /></folder>
     <folder Name="two"><file file_name="two/x.c" /></folder>
   </project>
@@ -111,7 +111,7 @@ TEST_F(BuildElement, InputsOrderAndInputsFileReplaceTheObjects) {
 
 TEST_F(BuildElement, LibrariesOfDependentProjectsGoToTheLink) {
     load(R"x(  <project Name="App">
-    <configuration Name="Common" project_type="Executable" build_output_file_name="out/app.elf"
+    <configuration Name="Common" project_type="Executable" build_output_file_name="out/app.elf" linker_map_file="No"
       project_dependencies="Lib;Objs;Off" />
     <file file_name="a.c" />
   </project>
@@ -360,7 +360,7 @@ TEST_F(BuildElement, DirectoryStepMakesEachDirectoryOnce) {
 // ---- Unity folders.
 
 const char *const unityApp = R"x(  <project Name="App">
-    <configuration Name="Common" project_type="Executable" build_output_file_name="out/app.elf" />
+    <configuration Name="Common" project_type="Executable" build_output_file_name="out/app.elf" linker_map_file="No" />
     <folder Name="all">
       <configuration Name="Common" unity_build_file_name="gen/unity.c" unity_build_exclude_filter="skip;;" />
       <file file_name="x.c" /><file file_name="y.c" /><file file_name="skip_me.c" />

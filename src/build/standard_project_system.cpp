@@ -111,6 +111,13 @@ std::string StandardProjectSystem::outputFilePath(int step, ProjectElement *elem
     default:
         return {};
     }
+    std::optional<std::string> own;
+    if (step == KindArchive && !isPropertySet(element, property, configuration, own)) {
+        // The property's default follows the mode it was last shown in; a
+        // library that names no file of its own is a library all the same.
+        return absolutePathFrom(projectDirectory(element, configuration),
+                                expandProjectMacros(element, "$(OutDir)/$(ProjectName)$(LIB)", configuration));
+    }
     return absolutePathFrom(projectDirectory(element, configuration),
                             expandedValue(element, property, configuration));
 }
@@ -164,9 +171,13 @@ void StandardProjectSystem::linkerSymbolFiles(ProjectElement *, const std::strin
 void StandardProjectSystem::linkerLibraryDirectories(ProjectElement *, const std::string &,
                                                      StringList &) {}
 
-bool StandardProjectSystem::mapFilePath(ProjectElement *, const std::string &, const std::string &,
-                                        std::string &) {
-    return false;
+bool StandardProjectSystem::mapFilePath(ProjectElement *element, const std::string &configuration,
+                                        const std::string &linkOutput, std::string &path) {
+    if (getPropertyValue(element, toolProperties.linkerMapFile, configuration) != "Yes")
+        return false;
+    const FilePath output(absolutePathFrom(projectDirectory(element, configuration), linkOutput));
+    path = output.path() + "/" + output.baseName(true) + ".map";
+    return true;
 }
 
 bool StandardProjectSystem::linkerScriptInputsChanged(ProjectElement *, const std::string &,

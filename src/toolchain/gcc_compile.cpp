@@ -7,35 +7,14 @@
 #include "build/builder.h"
 #include "build/command_line.h"
 #include "support/file_info.h"
+#include "toolchain/gcc_arguments.h"
 
 #include <algorithm>
 #include <cctype>
 #include <fstream>
 
-namespace {
-
-// A value that equals neither tested literal adds nothing.
-void either(StringList &list, const std::optional<std::string> &value, const char *yes, const char *no) {
-    if (value == "Yes")
-        list.push_back(yes);
-    else if (value == "No")
-        list.push_back(no);
-}
-
-// The entries of a ";" list, each one argument.
-void appendSplit(StringList &list, const std::string &text) {
-    std::size_t start = 0;
-    while (start <= text.size()) {
-        std::size_t end = text.find(';', start);
-        if (end == std::string::npos)
-            end = text.size();
-        if (end > start)
-            list.push_back(text.substr(start, end - start));
-        start = end + 1;
-    }
-}
-
-}  // namespace
+using gcc_arguments::appendSplit;
+using gcc_arguments::either;
 
 bool GCCProjectSystem::readOptionsFile(ProjectElement *element, const std::string &configuration,
                                        PropertyClass *property, Builder *builder, StringList &list) {
@@ -211,6 +190,23 @@ void GCCProjectSystem::appendDebugInformation(ProjectElement *element, const std
         list.push_back("-fdebug-types-section");
 }
 
+void GCCProjectSystem::appendCharacterType(ProjectElement *element, const std::string &configuration,
+                                           StringList &list) {
+    const GCCProperties &gcc = gccProperties;
+    auto value = [&](PropertyClass *property) { return getPropertyValue(element, property, configuration); };
+    const std::optional<std::string> wchar = value(gcc.wcharSize);
+    if (wchar == "16-Bit")
+        list.push_back("-fshort-wchar");
+    else if (wchar == "32-Bit")
+        list.push_back("-fno-short-wchar");
+    const std::optional<std::string> enums = value(gcc.shortEnum);
+    if (enums == "Minimal Container Size")
+        list.push_back("-fshort-enums");
+    else if (enums == "Int Size")
+        list.push_back("-fno-short-enums");
+    either(list, value(gcc.signedChar), "-fsigned-char", "-fno-signed-char");
+}
+
 void GCCProjectSystem::appendOptimization(ProjectElement *element, const std::string &configuration,
                                           StringList &list) {
     const GCCProperties &gcc = gccProperties;
@@ -239,10 +235,34 @@ void GCCProjectSystem::appendOptimization(ProjectElement *element, const std::st
         list.push_back("-fno-inline-functions");
 }
 
+void GCCProjectSystem::appendClangTarget(ProjectElement *element, const std::string &configuration,
+                                         StringList &list) {
+    const GCCProperties &gcc = gccProperties;
+    if (getPropertyValue(element, gcc.useClangNotGcc, configuration) != "Yes")
+        return;
+    const std::string target = expandedValue(element, gcc.gccTarget, configuration);
+    const std::string multiLib = expandedValue(element, gcc.clangMultiLibConfig, configuration);
+    const std::string toolchain = expandedValue(element, gcc.clangGccToolchain, configuration);
+    if (!target.empty())
+        list.push_back("--target=" + target);
+    if (!multiLib.empty())
+        list.push_back("--multi-lib-config=" + multiLib);
+    if (!toolchain.empty())
+        list.push_back("--gcc-toolchain=" + toolchain);
+}
+
 void GCCProjectSystem::buildStep(ProjectElement *element, const std::string &configuration, int step,
                                  const std::string &outputRelative, const std::string &outputFile,
                                  const StringList &inputs, Builder *builder, BuildFlags flags) {
-    if (step != KindC && step != KindCpp) {
+    if (step == KindLink) {
+        linkStep(element, configuration, outputRelative, outputFile, inputs, builder);
+        return;
+    }
+    if (step == KindArchive) {
+        archiveStep(element, configuration, outputRelative, outputFile, inputs, builder);
+        return;
+    }
+    if (step != KindC && step != KindCpp && step != KindAssembly) {
         StandardProjectSystem::buildStep(element, configuration, step, outputRelative, outputFile, inputs,
                                          builder, flags);
         return;
@@ -251,18 +271,8 @@ void GCCProjectSystem::buildStep(ProjectElement *element, const std::string &con
     auto value = [&](PropertyClass *property) { return getPropertyValue(element, property, configuration); };
     StringList arguments;
     arguments.push_back(expandProjectMacros(element, step == KindCpp ? "$(GPLUSPLUS)" : "$(GCC)", configuration));
-    if (value(gcc.useClangNotGcc) == "Yes") {
-        const std::string target = expandedValue(element, gcc.gccTarget, configuration);
-        const std::string multiLib = expandedValue(element, gcc.clangMultiLibConfig, configuration);
-        const std::string toolchain = expandedValue(element, gcc.clangGccToolchain, configuration);
-        if (!target.empty())
-            arguments.push_back("--target=" + target);
-        if (!multiLib.empty())
-            arguments.push_back("--multi-lib-config=" + multiLib);
-        if (!toolchain.empty())
-            arguments.push_back("--gcc-toolchain=" + toolchain);
-    }
-    arguments.push_back(step == KindC ? "-xc" : "-xc++");
+    appendClangTarget(element, configuration, arguments);
+    arguments.push_back(step == KindC ? "-xc" : step == KindCpp ? "-xc++" : "-xassembler-with-cpp");
     arguments.push_back("-c");
     if (value(gcc.setMessageLengthToZero) == "Yes")
         arguments.push_back("-fmessage-length=0");
@@ -275,19 +285,7 @@ void GCCProjectSystem::buildStep(ProjectElement *element, const std::string &con
     if (step == KindCpp && value(gcc.enableModules) == "Yes" && usesModuleMapper(element, configuration))
         arguments.push_back("-Mno-modules");
     appendDebugInformation(element, configuration, arguments);
-    {
-        const std::optional<std::string> wchar = value(gcc.wcharSize);
-        if (wchar == "16-Bit")
-            arguments.push_back("-fshort-wchar");
-        else if (wchar == "32-Bit")
-            arguments.push_back("-fno-short-wchar");
-        const std::optional<std::string> enums = value(gcc.shortEnum);
-        if (enums == "Minimal Container Size")
-            arguments.push_back("-fshort-enums");
-        else if (enums == "Int Size")
-            arguments.push_back("-fno-short-enums");
-        either(arguments, value(gcc.signedChar), "-fsigned-char", "-fno-signed-char");
-    }
+    appendCharacterType(element, configuration, arguments);
     appendOptimization(element, configuration, arguments);
     if (fileTypeName(element, configuration) == "Preprocess")
         arguments.push_back("-E");

@@ -46,9 +46,49 @@ public:
                    const std::string &outputRelative, const std::string &outputFile, const StringList &inputs,
                    Builder *builder, BuildFlags flags) override;
 
+    // arm_linker_search_path and arm_linker_symbols_files, split at ";".
+    void linkerLibraryDirectories(ProjectElement *element, const std::string &configuration,
+                                  StringList &list) override;
+    void linkerSymbolFiles(ProjectElement *element, const std::string &configuration,
+                           StringList &list) override;
+    // The response file and the map file of a link or an archive, when they
+    // are kept and exist.
+    void appendIntermediateFiles(ProjectElement *element, const std::string &configuration, int step,
+                                 const std::string &output, StringList &list) override;
+
+    // The response file of a link or an archive: linker_indirect_file_name,
+    // else <intermediate directory>/<output's complete base name>.ind.
+    std::string indFileName(ProjectElement *element, const std::string &configuration,
+                            const std::string &output);
+    // Writes the response file: one quoted path a line, with the libraries
+    // named in arm_linker_whole_archive between the whole-archive switches.
+    void writeIndirect(ProjectElement *element, const std::string &configuration, const StringList &files,
+                       const std::string &name, bool forDriver, Builder *builder);
+
     GCCProperties gccProperties;
 
 protected:
+    // The link of an executable and the archive of a library through the
+    // driver and ar, with the commands that follow a link.
+    void linkStep(ProjectElement *element, const std::string &configuration, const std::string &outputRelative,
+                  const std::string &outputFile, const StringList &inputs, Builder *builder);
+    void archiveStep(ProjectElement *element, const std::string &configuration, const std::string &outputRelative,
+                     const std::string &outputFile, const StringList &inputs, Builder *builder);
+    void postLinkCommands(ProjectElement *element, const std::string &configuration,
+                          const std::string &outputRelative, const std::string &outputFile, Builder *builder);
+    // The linker script of a link on a target: a hand-written one or none;
+    // false after an error has been reported.
+    bool linkerScriptOfDriver(ProjectElement *element, const std::string &configuration, Builder *builder,
+                              std::string &script);
+    // True if the inputs go through a response file: linker_use_indirect_files
+    // "Yes", or "Auto" with more than limit inputs.
+    bool usesIndirectFile(ProjectElement *element, const std::string &configuration, std::size_t count,
+                          std::size_t limit);
+
+    // --target=, --multi-lib-config= and --gcc-toolchain= of a clang driver.
+    void appendClangTarget(ProjectElement *element, const std::string &configuration, StringList &list);
+    // The wide character, enumeration size and char signedness options.
+    void appendCharacterType(ProjectElement *element, const std::string &configuration, StringList &list);
     // The lists of a driver compile, each in its order.
     void appendCodeGeneration(ProjectElement *element, const std::string &configuration, int step,
                               StringList &list);

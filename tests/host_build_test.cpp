@@ -1,0 +1,274 @@
+// Whole programs built with the machine's own gcc, g++ and ar (-host), on a
+// copy of the bundled example solution: a C library with an assembly file, a
+// C++ program that links it, and a staging project.
+
+#include "harness.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ctime>
+#include <sstream>
+
+using e2e::runProgram;
+using e2e::runQuillmake;
+using e2e::Sandbox;
+
+namespace {
+
+struct HostedExample {
+    Sandbox box;
+    std::string dir;
+    HostedExample() : dir(box.path()) {
+        const auto copied =
+            runProgram({"/bin/cp", "-R", std::string(QUILLMAKE_SOURCE_DIR) + "/examples/hosted/.", dir}, dir, {});
+        EXPECT_EQ(copied.status, 0) << copied.err;
+    }
+    e2e::RunResult run(const std::string &configuration, std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"-host", "-config", configuration});
+        arguments.push_back("hosted.tbp");
+        e2e::RunOptions options;
+        options.environment["TZ"] = "UTC";
+        return runQuillmake(box, arguments, options);
+    }
+    e2e::RunResult calc(const std::string &configuration, const std::string &argument) {
+        return runProgram({box.at("Output/" + configuration + "/calc"), argument}, dir, {});
+    }
+    // Every file of the sandbox gets the same time, a minute back; the
+    // system headers that dependency files name are older still.
+    void ageEverything(std::time_t seconds) {
+        const auto touched = runProgram(
+            {"/usr/bin/find", dir, "-exec", "/usr/bin/touch", "-h", "-d", "@" + std::to_string(seconds), "{}", "+"}, dir, {});
+        ASSERT_EQ(touched.status, 0) << touched.err;
+    }
+    void touch(const std::string &relative, std::time_t seconds) {
+        const auto touched =
+            runProgram({"/usr/bin/touch", "-d", "@" + std::to_string(seconds), box.at(relative)}, dir, {});
+        ASSERT_EQ(touched.status, 0) << touched.err;
+    }
+    // The commands of a Debug build, one per line, as -echo shows them with
+    // one slot.
+    std::string mathlibC(const std::string &c) const {
+        return "gcc -xc -c -fmessage-length=0 -DBUILD_NAME=\"" + c + "\" -MD -MF " + dir + "/Output/" + c +
+               "/Obj/mathlib/mathlib.d -MQ ../Output/" + c + "/Obj/mathlib/mathlib.o -Wall -Wextra -std=c11 " +
+               "-ffunction-sections -fdata-sections -Werror -g " + dir + "/mathlib/mathlib.c -o ../Output/" + c +
+               "/Obj/mathlib/mathlib.o\n";
+    }
+    std::string scaleS() const {
+        return "gcc -xassembler-with-cpp -c -fmessage-length=0 -DBUILD_NAME=\"Debug\" -MD -MF " + dir +
+               "/Output/Debug/Obj/mathlib/scale.d -MQ ../Output/Debug/Obj/mathlib/scale.o -Wall -Wextra "
+               "-ffunction-sections -fdata-sections -Werror -g " + dir +
+               "/mathlib/scale.S -o ../Output/Debug/Obj/mathlib/scale.o\n";
+    }
+    std::string archive() const {
+        return "rm " + dir + "/Output/Debug/mathlib.a\nar -rcs ../Output/Debug/mathlib.a " + dir +
+               "/Output/Debug/Obj/mathlib/mathlib.o " + dir +
+               "/Output/Debug/Obj/mathlib/scale.o\nranlib ../Output/Debug/mathlib.a\n";
+    }
+    std::string stage() const {
+        return "cp calc.txt " + dir + "/Output/Debug/calc.txt\nchmod +w " + dir + "/Output/Debug/calc.txt\n";
+    }
+    std::string mainCpp() const {
+        return "g++ -xc++ -c -fmessage-length=0 -I../mathlib -DBUILD_NAME=\"Debug\" -MD -MF " + dir +
+               "/Output/Debug/Obj/calc/main.d -MQ ../Output/Debug/Obj/calc/main.o -Wall -Wextra -std=c++17 "
+               "-ffunction-sections -fdata-sections -Werror -g " + dir +
+               "/calc/main.cpp -o ../Output/Debug/Obj/calc/main.o\n";
+    }
+    std::string link() const {
+        return "g++ -g -Wl,--fatal-warnings -Wl,--start-group " + dir + "/Output/Debug/Obj/calc/main.o " + dir +
+               "/Output/Debug/mathlib.a -Wl,--end-group -o ../Output/Debug/calc\n";
+    }
+};
+
+const std::string calcText = "calc.txt: staged beside the program by the docs project.\n";
+
+TEST(HostBuild, BuildsTheExampleQuietlyAndTheProgramRuns) {
+    HostedExample x;
+    const auto built = x.run("Debug", {});
+    EXPECT_EQ(built.out, "");
+    EXPECT_EQ(built.err, "");
+    EXPECT_EQ(built.status, 0);
+    const auto program = x.calc("Debug", "5");
+    EXPECT_EQ(program.out, "calc (Debug): sum_to(5) = 15, scale_by_eight(5) = 40\n" + calcText);
+    EXPECT_EQ(program.status, 0);
+
+    // Nothing changed: a second build runs nothing.
+    const auto again = x.run("Debug", {"-echo"});
+    EXPECT_EQ(again.out, "");
+    EXPECT_EQ(again.status, 0);
+}
+
+TEST(HostBuild, ShowPrintsEveryCommandInDependencyOrderAndBuildsNothing) {
+    HostedExample x;
+    const auto shown = x.run("Debug", {"-threadnum", "1", "-show"});
+    EXPECT_EQ(shown.out, x.mathlibC("Debug") + x.scaleS() + x.archive() + x.stage() + x.mainCpp() + x.link());
+    EXPECT_EQ(shown.err, "");
+    EXPECT_EQ(shown.status, 0);
+    EXPECT_FALSE(x.box.exists("Output/Debug/Obj/mathlib/mathlib.o"));
+    EXPECT_FALSE(x.box.exists("Output/Debug/mathlib.a"));
+    EXPECT_FALSE(x.box.exists("Output/Debug/calc"));
+}
+
+TEST(HostBuild, ReleaseTakesItsOwnDefinesOptimizationAndStrip) {
+    HostedExample x;
+    const auto built = x.run("Release", {"-threadnum", "1", "-echo"});
+    const std::string r = x.dir + "/Output/Release";
+    EXPECT_EQ(built.out,
+              "gcc -xc -c -fmessage-length=0 -DNDEBUG -DBUILD_NAME=\"Release\" -MD -MF " + r +
+                  "/Obj/mathlib/mathlib.d -MQ ../Output/Release/Obj/mathlib/mathlib.o -Wall -Wextra -std=c11 "
+                  "-ffunction-sections -fdata-sections -Werror -O2 " + x.dir +
+                  "/mathlib/mathlib.c -o ../Output/Release/Obj/mathlib/mathlib.o\n"
+                  "gcc -xassembler-with-cpp -c -fmessage-length=0 -DNDEBUG -DBUILD_NAME=\"Release\" -MD -MF " + r +
+                  "/Obj/mathlib/scale.d -MQ ../Output/Release/Obj/mathlib/scale.o -Wall -Wextra "
+                  "-ffunction-sections -fdata-sections -Werror -O2 " + x.dir +
+                  "/mathlib/scale.S -o ../Output/Release/Obj/mathlib/scale.o\n"
+                  "rm " + r + "/mathlib.a\nar -rcs ../Output/Release/mathlib.a " + r + "/Obj/mathlib/mathlib.o " + r +
+                  "/Obj/mathlib/scale.o\nranlib ../Output/Release/mathlib.a\n"
+                  "cp calc.txt " + r + "/calc.txt\nchmod +w " + r + "/calc.txt\n"
+                  "g++ -xc++ -c -fmessage-length=0 -I../mathlib -DNDEBUG -DBUILD_NAME=\"Release\" -MD -MF " + r +
+                  "/Obj/calc/main.d -MQ ../Output/Release/Obj/calc/main.o -Wall -Wextra -std=c++17 "
+                  "-ffunction-sections -fdata-sections -Werror -O2 " + x.dir +
+                  "/calc/main.cpp -o ../Output/Release/Obj/calc/main.o\n"
+                  "g++ -Wl,--fatal-warnings -Wl,--start-group " + r + "/Obj/calc/main.o " + r +
+                  "/mathlib.a -Wl,--end-group -o ../Output/Release/calc\n"
+                  "strip ../Output/Release/calc\n");
+    EXPECT_EQ(built.status, 0);
+    EXPECT_EQ(x.calc("Release", "100").out, "calc (Release): sum_to(100) = 5050, scale_by_eight(100) = 800\n" + calcText);
+    // Stripped: no symbol table is left.
+    const auto symbols = runProgram({"/usr/bin/nm", x.box.at("Output/Release/calc")}, x.dir, {});
+    EXPECT_NE(symbols.err.find("no symbols"), std::string::npos) << symbols.err;
+}
+
+TEST(HostBuild, ATouchedHeaderRebuildsOnlyItsDependentsThenNothing) {
+    HostedExample x;
+    ASSERT_EQ(x.run("Debug", {}).status, 0);
+    const std::time_t someTime = std::time(nullptr) - 60;
+    x.ageEverything(someTime);
+    EXPECT_EQ(x.run("Debug", {"-echo"}).out, "");
+
+    // mathlib.h is included by mathlib.c and main.cpp, not by scale.S.
+    x.touch("mathlib/mathlib.h", someTime + 1);
+    const auto rebuilt = x.run("Debug", {"-threadnum", "1", "-echo"});
+    EXPECT_EQ(rebuilt.out, x.mathlibC("Debug") + x.archive() + x.mainCpp() + x.link());
+    EXPECT_EQ(rebuilt.status, 0);
+    const auto again = x.run("Debug", {"-threadnum", "1", "-echo"});
+    EXPECT_EQ(again.out, "");
+    EXPECT_EQ(again.status, 0);
+
+    // A changed library relinks the program that depends on it.
+    x.ageEverything(someTime);
+    x.touch("mathlib/scale.S", someTime + 1);
+    EXPECT_EQ(x.run("Debug", {"-threadnum", "1", "-echo"}).out, x.scaleS() + x.archive() + x.link());
+}
+
+TEST(HostBuild, CleanRemovesWhatTheBuildMadeAndRebuildMakesItAgain) {
+    HostedExample x;
+    ASSERT_EQ(x.run("Debug", {}).status, 0);
+    const std::string o = x.dir + "/Output/Debug";
+    const auto cleaned = x.run("Debug", {"-threadnum", "1", "-clean", "-echo"});
+    EXPECT_EQ(cleaned.out, "rm " + o + "/Obj/mathlib/mathlib.o\nrm " + o + "/Obj/mathlib/mathlib.d\nrm " + o +
+                               "/Obj/mathlib/scale.o\nrm " + o + "/Obj/mathlib/scale.d\nrm " + o +
+                               "/mathlib.a\nrm " + o + "/calc.txt\nrm " + o + "/Obj/calc/main.o\nrm " + o +
+                               "/Obj/calc/main.d\nrm " + o + "/calc\n");
+    EXPECT_EQ(cleaned.status, 0);
+    for (const char *file : {"Obj/mathlib/mathlib.o", "Obj/mathlib/scale.d", "mathlib.a", "calc.txt", "calc"})
+        EXPECT_FALSE(x.box.exists(std::string("Output/Debug/") + file)) << file;
+
+    ASSERT_EQ(x.run("Debug", {}).status, 0);
+    const auto rebuilt = x.run("Debug", {"-threadnum", "1", "-rebuild", "-verbose"});
+    EXPECT_EQ(rebuilt.out,
+              "Compiling 'mathlib.c' from project 'mathlib' in configuration 'Debug'\n"
+              "Compiling 'scale.S' from project 'mathlib' in configuration 'Debug'\n"
+              "Archiving 'mathlib.a' from project 'mathlib' in configuration 'Debug'\n"
+              "Copying 'calc.txt' from project 'docs' in configuration 'Debug'\n"
+              "Compiling 'main.cpp' from project 'calc' in configuration 'Debug'\n"
+              "Linking 'calc' from project 'calc' in configuration 'Debug'\n");
+    EXPECT_EQ(rebuilt.status, 0);
+    EXPECT_EQ(x.calc("Debug", "3").status, 0);
+}
+
+TEST(HostBuild, KeepGoingRunsTheRestAfterACompileError) {
+    HostedExample x;
+    x.box.write("mathlib/mathlib.c", "long sum_to(long n) { return n + ; }\n");
+    const auto r = x.run("Debug", {"-threadnum", "1", "-keepgoing"});
+    EXPECT_EQ(r.status, 1);
+    // The failing compile, then the archive and the link that lack its
+    // object; each is reported on its own account.
+    const std::string o = x.dir + "/Output/Debug";
+    EXPECT_EQ(r.out, "Error executing " + x.mathlibC("Debug") + "Error executing ar -rcs ../Output/Debug/mathlib.a " +
+                         o + "/Obj/mathlib/mathlib.o " + o + "/Obj/mathlib/scale.o\nError executing " + x.link());
+    EXPECT_NE(r.err.find("mathlib.c:1:34: error: expected expression"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("Build failed, exit status 0x1 'mathlib.c' in configuration 'Debug' continuing because "
+                         "'keep going on error' has been enabled\n"),
+              std::string::npos)
+        << r.err;
+    EXPECT_EQ(r.err.substr(r.err.size() - 26), "There were 3 build errors\n");
+    // The files that could be built were.
+    EXPECT_TRUE(x.box.exists("Output/Debug/Obj/mathlib/scale.o"));
+    EXPECT_TRUE(x.box.exists("Output/Debug/Obj/calc/main.o"));
+    EXPECT_TRUE(x.box.exists("Output/Debug/calc.txt"));
+    EXPECT_FALSE(x.box.exists("Output/Debug/calc"));
+}
+
+TEST(HostBuild, TwoSlotsPrefixEachLineWithItsSlot) {
+    HostedExample x;
+    const auto r = x.run("Debug", {"-threadnum", "2", "-echo"});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.err, "");
+    // Which slot takes which job depends on timing; each line has a prefix,
+    // and without them the lines are the commands of a one-slot build.
+    std::istringstream lines(r.out);
+    std::vector<std::string> seen;
+    for (std::string line; std::getline(lines, line);) {
+        ASSERT_TRUE(line.rfind("1>", 0) == 0 || line.rfind("2>", 0) == 0) << line;
+        seen.push_back(line.substr(2));
+    }
+    std::istringstream expected(x.mathlibC("Debug") + x.scaleS() + x.archive() + x.stage() + x.mainCpp() + x.link());
+    std::vector<std::string> wanted;
+    for (std::string line; std::getline(expected, line);)
+        wanted.push_back(line);
+    std::sort(seen.begin(), seen.end());
+    std::sort(wanted.begin(), wanted.end());
+    EXPECT_EQ(seen, wanted);
+    EXPECT_EQ(x.calc("Debug", "1").status, 0);
+}
+
+TEST(HostBuild, PropertiesComeDownFromTheSolutionToTheFile) {
+    Sandbox box;
+    box.write("p.tbp", R"x(<!DOCTYPE Tarnbench_Project_File>
+<solution Name="P" version="2">
+  <configuration Name="Common" c_preprocessor_definitions="FROM_SOLUTION" build_debug_information="No" />
+  <configuration Name="Debug" gcc_optimization_level="Level 1" />
+  <project Name="app">
+    <configuration Name="Common" project_type="Executable" is_cpp_project="No" build_output_directory="out"
+      build_intermediate_directory="obj" c_preprocessor_definitions="FROM_PROJECT" />
+    <folder Name="fast">
+      <configuration Name="Debug" gcc_optimization_level="Level 3" />
+      <file file_name="fast.c">
+        <configuration Name="Common" c_preprocessor_definitions="FROM_FILE" />
+      </file>
+    </folder>
+    <file file_name="main.c" />
+  </project>
+</solution>
+)x");
+    box.write("main.c", "#include <stdio.h>\nconst char *fast(void);\n"
+                        "#ifdef FROM_PROJECT\n#define WHERE \"project\"\n#else\n#define WHERE \"solution\"\n#endif\n"
+                        "int main(void) { printf(\"main: %s, fast: %s\\n\", WHERE, fast()); return 0; }\n");
+    box.write("fast.c", "#ifdef FROM_FILE\nconst char *fast(void) { return \"file\"; }\n#endif\n");
+    const auto r = runQuillmake(box, {"-host", "-config", "Debug", "-threadnum", "1", "-echo", "p.tbp"});
+    const std::string dir = box.path();
+    // A list gathers its entries from the solution down to the file; a
+    // single value set lower down replaces the one above it.
+    EXPECT_EQ(r.out.substr(0, r.out.find('\n') + 1),
+              "gcc -xc -c -fmessage-length=0 -DFROM_SOLUTION -DFROM_PROJECT -DFROM_FILE -MD -MF " + dir + "/obj/fast.d -MQ obj/fast.o "
+              "-ffunction-sections -fdata-sections -O3 " + dir + "/fast.c -o obj/fast.o\n");
+    EXPECT_NE(r.out.find("gcc -xc -c -fmessage-length=0 -DFROM_SOLUTION -DFROM_PROJECT -MD -MF " + dir + "/obj/main.d -MQ obj/main.o "
+                         "-ffunction-sections -fdata-sections -O1 " + dir + "/main.c -o obj/main.o\n"),
+              std::string::npos)
+        << r.out;
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(runProgram({box.at("out/app")}, dir, {}).out, "main: project, fast: file\n");
+}
+
+}  // namespace

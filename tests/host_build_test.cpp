@@ -271,4 +271,42 @@ TEST(HostBuild, PropertiesComeDownFromTheSolutionToTheFile) {
     EXPECT_EQ(runProgram({box.at("out/app")}, dir, {}).out, "main: project, fast: file\n");
 }
 
+TEST(HostBuild, APrecompiledHeaderIsCompiledFirstAndUsedByTheOtherFiles) {
+    Sandbox box;
+    box.write("p.tbp", R"x(<!DOCTYPE Tarnbench_Project_File>
+<solution Name="P" version="2">
+  <configuration Name="Debug" build_debug_information="No" />
+  <project Name="app">
+    <configuration Name="Common" project_type="Executable" is_cpp_project="Yes" build_output_directory="out"
+      build_intermediate_directory="obj" gcc_enable_precompiled_header="Yes" />
+    <file file_name="a.cpp" />
+    <file file_name="b.cpp" />
+    <file file_name="common.h">
+      <configuration Name="Common" gcc_precompiled_header="Yes" />
+    </file>
+  </project>
+</solution>
+)x");
+    box.write("common.h", "#include <string>\ninline std::string greeting() { return \"hello\"; }\n");
+    box.write("a.cpp", "#include <cstdio>\nint b();\nint main() { std::printf(\"%s %d\\n\", greeting().c_str(), b()); }\n");
+    box.write("b.cpp", "int b() { return int(greeting().size()); }\n");
+    e2e::RunOptions options;
+    const auto r = runQuillmake(box, {"-host", "-config", "Debug", "-threadnum", "2", "-verbose", "p.tbp"}, options);
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(r.status, 0);
+    // The header's compile comes before the other compiles, whichever slot
+    // takes it.
+    const auto header = r.out.find("Compiling 'common.h'\n");
+    ASSERT_NE(header, std::string::npos) << r.out;
+    EXPECT_EQ(r.out.find("Compiling '"), header) << r.out;
+    EXPECT_TRUE(box.exists("common.h.gch"));
+    EXPECT_EQ(runProgram({box.at("out/app")}, box.path(), {}).out, "hello 5\n");
+    // The files never include the header themselves: the build does.
+    const auto echoed = runQuillmake(box, {"-host", "-config", "Debug", "-threadnum", "1", "-rebuild", "-echo", "p.tbp"});
+    EXPECT_NE(echoed.out.find("-include " + box.path() + "/common.h -Winvalid-pch " + box.path() + "/b.cpp -o obj/b.o\n"),
+              std::string::npos)
+        << echoed.out;
+    EXPECT_EQ(echoed.status, 0);
+}
+
 }  // namespace

@@ -243,7 +243,7 @@ void StandardProjectSystem::writeCompilationDatabaseEntry(ProjectElement *, cons
                                                           std::string &) {}
 
 void StandardProjectSystem::preprocessFile(ProjectElement *element, const std::string &configuration,
-                                           Builder *builder, bool, const StringList &, std::string &) {
+                                           Builder *builder, bool, const StringList &, std::string *) {
     if (!builder)
         return;
     builder->beginStep(element, "Preprocessing '" + displayName(element) + "'", configuration, 0);

@@ -143,10 +143,11 @@ public:
     // One entry of the compilation database for the node, appended to text.
     virtual void writeCompilationDatabaseEntry(ProjectElement *element,
                                                const std::string &configuration, std::string &text);
-    // Preprocesses one file; resultFile gets the output's path.
+    // Preprocesses one file, into a file whose path resultFile gets when it
+    // isn't null, else to the command's output.
     virtual void preprocessFile(ProjectElement *element, const std::string &configuration,
                                 Builder *builder, bool dumpMacros, const StringList &extraOptions,
-                                std::string &resultFile);
+                                std::string *resultFile);
     // The include, define and dependency options of the file.
     virtual void preprocessorArguments(ProjectElement *element, const std::string &configuration,
                                        StringList &list);
@@ -217,7 +218,7 @@ public:
     bool propertiesChanged(ProjectElement *element, const std::string &configuration,
                            FileTime targetTime, int kind, Builder *builder, bool quiet);
     // The dependency cache of fileDependencies, on for the time of a build.
-    void setDependencyCacheEnabled(bool enabled);
+    virtual void setDependencyCacheEnabled(bool enabled);
 
     // ---- Order of a build.
 

@@ -7,6 +7,7 @@
 #include "build/builder.h"
 #include "build/command_line.h"
 #include "support/file_info.h"
+#include "support/file_utils.h"
 #include "toolchain/gcc_arguments.h"
 
 #include <algorithm>
@@ -287,16 +288,33 @@ void GCCProjectSystem::buildStep(ProjectElement *element, const std::string &con
     appendDebugInformation(element, configuration, arguments);
     appendCharacterType(element, configuration, arguments);
     appendOptimization(element, configuration, arguments);
+    ProjectElement *header = step == KindAssembly ? nullptr : precompiledHeaderOf(element, configuration);
+    if (header == element) {
+        arguments.push_back("-x");
+        arguments.push_back(step == KindCpp ? "c++-header" : "c-header");
+    } else if (header) {
+        arguments.push_back("-include");
+        arguments.push_back(sourcePath(header, configuration));
+        arguments.push_back("-Winvalid-pch");
+    }
     if (fileTypeName(element, configuration) == "Preprocess")
         arguments.push_back("-E");
     if (!inputs.empty())
         arguments.push_back(inputs.front());
-    arguments.push_back("-o");
-    arguments.push_back(outputRelative);
+    // The driver writes a precompiled header beside the header, where its
+    // includers look for it.
+    if (header != element) {
+        arguments.push_back("-o");
+        arguments.push_back(outputRelative);
+    }
 
     if (!builder)
         return;
     const std::string directory = projectDirectory(element, configuration);
+    // A precompiled header lands beside the header, away from the
+    // intermediate directory where its dependency file goes.
+    if (header == element && value(nodeProperties.buildGenerateDependencyFile) != "No")
+        makeDirectories(directoryOf(dependencyFilePath(element, configuration, outputRelative)));
     builder->beginStep(element, "Compiling '" + displayName(element) + "'", configuration, 0);
     builder->addCommand(directory, arguments, outputFile);
     if (value(toolProperties.asmGenerateListingFile) == "Yes")

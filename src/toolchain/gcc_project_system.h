@@ -3,7 +3,10 @@
 #include "build/standard_project_system.h"
 #include "toolchain/gcc_property_table.h"
 
+#include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 // The GNU tools driven through their compiler driver: gcc, g++ (or clang,
 // clang++) and ar, found through the tool macros that addToolMacros fills.
@@ -65,6 +68,26 @@ public:
     void writeIndirect(ProjectElement *element, const std::string &configuration, const StringList &files,
                        const std::string &name, bool forDriver, Builder *builder);
 
+    // The precompiled header of a project: the header file marked
+    // gcc_precompiled_header in a project with gcc_enable_precompiled_header.
+    // The driver writes it as <header>.gch beside the header, and every
+    // other compile of the project includes it first.
+    ProjectElement *precompiledHeaderOf(ProjectElement *element, const std::string &configuration);
+    int precompiledHeaderStep(ProjectElement *element, const std::string &configuration) override;
+    bool scanModuleDependencies(ProjectElement *project, const std::string &configuration) override;
+    std::vector<ProjectElement *> filePrerequisites(ProjectElement *element,
+                                                    const std::string &configuration) override;
+    void forcedIncludeFiles(ProjectElement *element, const std::string &configuration,
+                            StringList &list) override;
+    std::string outputFilePath(int step, ProjectElement *element, const std::string &configuration) override;
+    void setDependencyCacheEnabled(bool enabled) override;
+
+    // Preprocesses a C or C++ file through the driver; with resultFile the
+    // text goes to <intermediate directory>/<base>_PP.<suffix>, whose path
+    // it gets, else to the command's output.
+    void preprocessFile(ProjectElement *element, const std::string &configuration, Builder *builder,
+                        bool dumpMacros, const StringList &extraOptions, std::string *resultFile) override;
+
     GCCProperties gccProperties;
 
 protected:
@@ -115,4 +138,10 @@ protected:
 
 private:
     std::string executableExtension_;
+    // The precompiled header of each project, remembered for a build.
+    struct PrecompiledHeaders {
+        bool enabled = false;
+        std::map<std::pair<ProjectElement *, std::string>, ProjectElement *> entries;
+    };
+    PrecompiledHeaders precompiledHeaders_;
 };

@@ -27,19 +27,19 @@ GCCProperties::GCCProperties(PropertyClassMap &map, const GCCTableFlags &flags) 
         {"None", "Debug", "Level 0", "Level 1", "Level 2", "Level 3", "Optimize For Size",
          "Optimize For More Size"},
         "Optimization Level", "How hard the compiler optimizes the code.", "None");
-    omitFramePointer = m.enumeration("gcc_omit_frame_pointer", yesNoNone, "Omit Frame Pointer",
+    omitFramePointer = m.enumeration<ProjectPropertyClass>("gcc_omit_frame_pointer", yesNoNone, "Omit Frame Pointer",
                                      "<b>Yes</b> keeps no frame pointer in functions that don't need one.",
                                      "None");
-    noCommon = m.enumeration("gcc_no_common", yesNoNone, "No COMMON",
+    noCommon = m.enumeration<ProjectPropertyClass>("gcc_no_common", yesNoNone, "No COMMON",
                              "<b>Yes</b> places uninitialized globals in the data section rather than "
                              "as common symbols.",
                              "None");
-    debuggingLevel = m.enumeration("gcc_debugging_level", {"None", "Level 1", "Level 2", "Level 3"},
+    debuggingLevel = m.enumeration<ProjectPropertyClass>("gcc_debugging_level", {"None", "Level 1", "Level 2", "Level 3"},
                                    "Debugging Level", "How much debug information the compiler writes.",
                                    "Level 2");
     dwarfGenerateAranges = m.boolean("gcc_dwarf_generate_aranges", "Generate DWARF Address Ranges",
                                      "<b>Yes</b> writes the .debug_aranges section.", true);
-    dwarfVersion = m.enumeration("gcc_dwarf_version", {"dwarf-2", "dwarf-3", "dwarf-4", "dwarf-5", "None"},
+    dwarfVersion = m.enumeration<ProjectPropertyClass>("gcc_dwarf_version", {"dwarf-2", "dwarf-3", "dwarf-4", "dwarf-5", "None"},
                                  "Dwarf Version", "The version of the DWARF debug information.", "None");
     dwarfGeneratePubnames = m.boolean("gcc_dwarf_generate_pubnames", "Generate DWARF Public Names",
                                       "<b>Yes</b> writes the .debug_pubnames section.", true);
@@ -53,19 +53,19 @@ GCCProperties::GCCProperties(PropertyClassMap &map, const GCCTableFlags &flags) 
                              "<b>Yes</b> registers destructors of static objects with __cxa_atexit.", true);
     threadSafeStatics = m.boolean("gcc_thread_safe_statics", "Thread-Safe Statics",
                                   "<b>Yes</b> guards the initialization of local statics.", true);
-    wcharSize = m.enumeration("gcc_wchar_size", {"16-Bit", "32-Bit", "None"}, "Wide Character Size",
+    wcharSize = m.enumeration<ProjectPropertyClass>("gcc_wchar_size", {"16-Bit", "32-Bit", "None"}, "Wide Character Size",
                               "The size of wchar_t.", "None");
-    shortEnum = m.enumeration("gcc_short_enum", {"Minimal Container Size", "Int Size", "None"},
+    shortEnum = m.enumeration<ProjectPropertyClass>("gcc_short_enum", {"Minimal Container Size", "Int Size", "None"},
                               "Enumeration Size", "The size of an enumeration type.", "None");
-    signedChar = m.enumeration("gcc_signed_char", yesNoNone, "Signed Char",
+    signedChar = m.enumeration<ProjectPropertyClass>("gcc_signed_char", yesNoNone, "Signed Char",
                                "<b>Yes</b> makes plain char signed.", "None");
-    useBuiltins = m.enumeration("arm_use_builtins", yesNoNone, "Use Builtins",
+    useBuiltins = m.enumeration<ProjectPropertyClass>("arm_use_builtins", yesNoNone, "Use Builtins",
                                 "<b>Yes</b> lets the compiler treat standard functions as builtins.", "None");
-    mathErrno = m.enumeration("arm_math_errno", yesNoNone, "Math Errno",
+    mathErrno = m.enumeration<ProjectPropertyClass>("arm_math_errno", yesNoNone, "Math Errno",
                               "<b>Yes</b> makes math functions set errno.", "None");
     instrumentFunctions = m.boolean("arm_instrument_functions", "Instrument Functions",
                                     "<b>Yes</b> calls profiling hooks at function entry and exit.", false);
-    unwindTables = m.enumeration("arm_unwind_tables", {"Yes", "No", "Asynchronous"}, "Unwind Tables",
+    unwindTables = m.enumeration<ProjectPropertyClass>("arm_unwind_tables", {"Yes", "No", "Asynchronous"}, "Unwind Tables",
                                  "Whether the compiler writes tables to unwind the stack.", "No");
     linkTimeOptimization = m.boolean("link_time_optimization", "Enable Link-Time Optimization",
                                      "<b>Yes</b> optimizes the whole program when it is linked.", false);
@@ -83,11 +83,11 @@ GCCProperties::GCCProperties(PropertyClassMap &map, const GCCTableFlags &flags) 
                                  "<b>Yes</b> gives each function a section of its own.", true);
     dataSections = m.boolean("gcc_data_sections", "Put Data Into Separate Sections",
                              "<b>Yes</b> gives each variable a section of its own.", true);
-    strictAliasing = m.enumeration("gcc_strict_aliasing", yesNoNone, "Strict Aliasing",
+    strictAliasing = m.enumeration<ProjectPropertyClass>("gcc_strict_aliasing", yesNoNone, "Strict Aliasing",
                                    "<b>Yes</b> lets the compiler assume the strict aliasing rules.", "None");
-    tlsModel = m.enumeration("gcc_tls_model", {"Local-Exec", "None"}, "Thread-Local Storage Model",
+    tlsModel = m.enumeration<ProjectPropertyClass>("gcc_tls_model", {"Local-Exec", "None"}, "Thread-Local Storage Model",
                              "The model of thread-local variables.", "None");
-    fastMath = m.enumeration("gcc_fast_math", yesNoNone, "Fast Math",
+    fastMath = m.enumeration<ProjectPropertyClass>("gcc_fast_math", yesNoNone, "Fast Math",
                              "<b>Yes</b> allows floating-point optimizations that break IEEE rules.", "None");
 
     m.section("C/C++", "Compiler Options");
@@ -95,11 +95,11 @@ GCCProperties::GCCProperties(PropertyClassMap &map, const GCCTableFlags &flags) 
                                        "<b>Yes</b> if the compiler knows -Oz.", true);
     enableAllWarnings = m.boolean("gcc_enable_all_warnings", "Enable All Warnings",
                                   "<b>Yes</b> passes the options of the all-warnings lists.", false);
-    cLanguageStandard = m.enumeration(
+    cLanguageStandard = m.enumeration<ProjectPropertyClass>(
         "gcc_c_language_standard",
         {"None", "c89", "c90", "c99", "c11", "c17", "c23", "gnu89", "gnu90", "gnu99", "gnu11", "gnu17", "gnu23"},
         "C Language Standard", "The standard that C files are compiled to.", "None");
-    cplusplusLanguageStandard = m.enumeration(
+    cplusplusLanguageStandard = m.enumeration<ProjectPropertyClass>(
         "gcc_cplusplus_language_standard",
         {"None", "c++98", "c++11", "c++14", "c++17", "c++20", "c++23", "gnu++98", "gnu++11", "gnu++14",
          "gnu++17", "gnu++20", "gnu++23"},
@@ -107,10 +107,10 @@ GCCProperties::GCCProperties(PropertyClassMap &map, const GCCTableFlags &flags) 
     setMessageLengthToZero = m.enumeration("compiler_set_message_length_to_zero", {"Yes", "No"},
                                            "Show Messages On Single Lines",
                                            "<b>Yes</b> keeps each diagnostic on one line.", "Yes");
-    diagnosticsShowCaret = m.enumeration("compiler_diagnostics_show_caret", yesNoNone, "Show Caret",
+    diagnosticsShowCaret = m.enumeration<ProjectPropertyClass>("compiler_diagnostics_show_caret", yesNoNone, "Show Caret",
                                          "<b>Yes</b> shows the source line and a caret under a diagnostic.",
                                          "None");
-    colorDiagnostics = m.enumeration("compiler_color_diagnostics", yesNoNone, "Color Diagnostics",
+    colorDiagnostics = m.enumeration<ProjectPropertyClass>("compiler_color_diagnostics", yesNoNone, "Color Diagnostics",
                                      "<b>Yes</b> colors the diagnostics.", "None");
     allWarningsOptions = m.text("gcc_all_warnings_command_line_options", T::StringList,
                                 "Enable All Warnings Command Line Options",
@@ -175,7 +175,7 @@ GCCProperties::GCCProperties(PropertyClassMap &map, const GCCTableFlags &flags) 
     allowMultipleDefinition = m.boolean("arm_linker_allow_multiple_definition", "Allow Multiple Definition",
                                         "<b>Yes</b> takes the first of several definitions of a symbol.",
                                         false);
-    emitRelocations = m.enumeration("arm_linker_emit_relocations", yesNoNone, "Emit Relocations",
+    emitRelocations = m.enumeration<ProjectPropertyClass>("arm_linker_emit_relocations", yesNoNone, "Emit Relocations",
                                     "<b>Yes</b> keeps the relocations in the output.", "None");
     linkerSearchPath = m.text("arm_linker_search_path", T::DirPathList, "Library Search Path",
                               "Directories in which the linker looks for libraries.", none);
@@ -230,6 +230,38 @@ GCCProperties::GCCProperties(PropertyClassMap &map, const GCCTableFlags &flags) 
              {"STRIP", "The path to the binutils strip command."},
          })
         macros.push_back(m.buildMacro(macro, description));
+
+    // The option that each value stands for, as the driver's command lists
+    // give it.
+    auto options = [](PropertyClass *property,
+                      std::initializer_list<std::pair<std::string, std::string>> pairs) {
+        auto *project = static_cast<ProjectPropertyClass *>(property);
+        for (const auto &[option, value] : pairs)
+            project->addOption(option, value);
+    };
+    options(optimizationLevel, {{"-Og", "Debug"}, {"-O0", "Level 0"}, {"-O1", "Level 1"}, {"-O2", "Level 2"},
+                                {"-O3", "Level 3"}, {"-Os", "Optimize For Size"}, {"-Oz", "Optimize For More Size"}});
+    options(omitFramePointer, {{"-fomit-frame-pointer", "Yes"}, {"-fno-omit-frame-pointer", "No"}});
+    options(noCommon, {{"-fno-common", "Yes"}, {"-fcommon", "No"}});
+    options(debuggingLevel, {{"-g1", "Level 1"}, {"-g2", "Level 2"}, {"-g3", "Level 3"}});
+    options(dwarfVersion,
+            {{"-gdwarf-2", "dwarf-2"}, {"-gdwarf-3", "dwarf-3"}, {"-gdwarf-4", "dwarf-4"}, {"-gdwarf-5", "dwarf-5"}});
+    options(wcharSize, {{"-fshort-wchar", "16-Bit"}, {"-fno-short-wchar", "32-Bit"}});
+    options(shortEnum, {{"-fshort-enums", "Minimal Container Size"}, {"-fno-short-enums", "Int Size"}});
+    options(signedChar, {{"-fsigned-char", "Yes"}, {"-fno-signed-char", "No"}});
+    options(useBuiltins, {{"-fbuiltin", "Yes"}, {"-fno-builtin", "No"}});
+    options(mathErrno, {{"-fmath-errno", "Yes"}, {"-fno-math-errno", "No"}});
+    options(unwindTables, {{"-funwind-tables", "Yes"}, {"-fasynchronous-unwind-tables", "Asynchronous"}});
+    options(strictAliasing, {{"-fstrict-aliasing", "Yes"}, {"-fno-strict-aliasing", "No"}});
+    options(tlsModel, {{"-ftls-model=local-exec", "Local-Exec"}});
+    options(fastMath, {{"-ffast-math", "Yes"}, {"-fno-fast-math", "No"}});
+    options(diagnosticsShowCaret, {{"-fdiagnostics-show-caret", "Yes"}, {"-fno-diagnostics-show-caret", "No"}});
+    options(colorDiagnostics, {{"-fdiagnostics-color=always", "Yes"}, {"-fdiagnostics-color=never", "No"}});
+    options(emitRelocations, {{"-Wl,--emit-relocs", "Yes"}});
+    for (auto *standard : {cLanguageStandard, cplusplusLanguageStandard})
+        for (const std::string &value : standard->values())
+            if (value != "None")
+                static_cast<ProjectPropertyClass *>(standard)->addOption("-std=" + value, value);
 
     for (PropertyClass *compile :
          {static_cast<PropertyClass *>(optimizationLevel), omitFramePointer, noCommon, debuggingLevel,

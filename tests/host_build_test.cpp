@@ -309,4 +309,38 @@ TEST(HostBuild, APrecompiledHeaderIsCompiledFirstAndUsedByTheOtherFiles) {
     EXPECT_EQ(echoed.status, 0);
 }
 
+TEST(HostBuild, WritesTheCompilationDatabaseWithTheCommandsTheBuildRuns) {
+    HostedExample x;
+    std::string solution = x.box.read("hosted.tbp");
+    const std::string library = "project_type=\"Library\" project_directory=\"mathlib\"";
+    solution.replace(solution.find(library), library.size(),
+                     library + " generate_compilation_database_file=\"Yes\"");
+    x.box.write("hosted.tbp", solution);
+    const auto built = x.run("Debug", {"-threadnum", "1", "-echo"});
+    ASSERT_EQ(built.status, 0) << built.err;
+    // The same arguments as the commands that ran, each a JSON string.
+    auto json = [](std::string command) {
+        command.pop_back();
+        std::string text = "[\"";
+        for (const char c : command) {
+            if (c == ' ')
+                text += "\",\"";
+            else if (c == '"')
+                text += "\\\"";
+            else
+                text += c;
+        }
+        return text + "\"]";
+    };
+    const std::string o = x.dir + "/Output/Debug/Obj/mathlib/";
+    EXPECT_EQ(x.box.read("Output/Debug/mathlib.json"),
+              "[{\"file\":\"" + x.dir + "/mathlib/mathlib.c\",\"directory\":\"" + x.dir +
+                  "/mathlib\",\"arguments\":" + json(x.mathlibC("Debug")) + ",\"output\":\"" + o +
+                  "mathlib.o\"},{\"file\":\"" + x.dir + "/mathlib/scale.S\",\"directory\":\"" + x.dir +
+                  "/mathlib\",\"arguments\":" + json(x.scaleS()) + ",\"output\":\"" + o + "scale.o\"}]");
+    EXPECT_EQ(built.out.find(x.mathlibC("Debug")), 0u);
+    // Only the project that asks for one gets a database.
+    EXPECT_FALSE(x.box.exists("Output/Debug/calc.json"));
+}
+
 }  // namespace

@@ -275,6 +275,8 @@ bool ProjectSystemBuilder::addOwnJobs(ProjectElement *project, const std::string
                                       const ProjectJobList &before,
                                       ProjectJobList &parentDependencies) {
     StandardProjectSystem &system = *projectSystem;
+    if (system.getPropertyValue(project, system.nodeProperties.generateCompilationDatabaseFile, config) == "Yes")
+        system.writeCompilationDatabase(project, config);
     ProjectJob *directoryJob = nullptr;
     if (flags & BuildExport) {
         const std::string type =

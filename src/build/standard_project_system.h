@@ -140,9 +140,13 @@ public:
     // toolchains; the forms here add nothing, and the steps that would run a
     // tool report that the toolchain can't yet.
 
-    // One entry of the compilation database for the node, appended to text.
+    // The entries of the compilation database for the node and everything
+    // below it, appended to text, each behind a "," unless text ends in "[".
     virtual void writeCompilationDatabaseEntry(ProjectElement *element,
                                                const std::string &configuration, std::string &text);
+    // Writes compilation_database_file of the project: "[", the entries, "]".
+    // A file that can't be written is left as it is.
+    void writeCompilationDatabase(ProjectElement *project, const std::string &configuration);
     // Preprocesses one file, into a file whose path resultFile gets when it
     // isn't null, else to the command's output.
     virtual void preprocessFile(ProjectElement *element, const std::string &configuration,

@@ -82,6 +82,10 @@ public:
     std::string outputFilePath(int step, ProjectElement *element, const std::string &configuration) override;
     void setDependencyCacheEnabled(bool enabled) override;
 
+    // The compile command of each C, C++ and assembly file at or below the
+    // node, as the build runs it.
+    void writeCompilationDatabaseEntry(ProjectElement *element, const std::string &configuration,
+                                       std::string &text) override;
     // Preprocesses a C or C++ file through the driver; with resultFile the
     // text goes to <intermediate directory>/<base>_PP.<suffix>, whose path
     // it gets, else to the command's output.

@@ -192,4 +192,32 @@ TEST(HostLink, CleanFindsTheKeptResponseFile) {
     EXPECT_EQ(list, (StringList{dir + "/obj/P.ind"}));
 }
 
+TEST(HostLink, ImportsTheOptionsOfAnExistingLinkCommand) {
+    Host host("project_type=\"Executable\" link_symbol_definitions=\"OLD=0\"");
+    GCCHostProjectSystem &system = host.system;
+    StringList options{"-T", "app.ld", "-L/opt/lib", "-L", "lib", "-Wl,-Map,app.map", "-Wl,--defsym=STACK=0x400",
+                       "-Xlinker", "--gc-sections", "-e_start", "--gcc-toolchain=\"/opt/gnu\"", "-lm", "-O2"};
+    system.importLinkerOption(host.project, "Debug", options);
+    EXPECT_EQ(options, (StringList{"-Xlinker", "--gc-sections", "-lm", "-O2"}));
+    auto value = [&](const char *name) {
+        return system.getPropertyValue(host.project, system.propertyClasses.propertyClass(name), "Debug")
+            .value_or("(none)");
+    };
+    EXPECT_EQ(value("link_use_linker_script_file"), "Yes");
+    EXPECT_EQ(value("link_linker_script_file"), "app.ld");
+    EXPECT_EQ(value("arm_linker_search_path"), "/opt/lib;lib");
+    EXPECT_EQ(value("linker_map_file"), "Yes");
+    EXPECT_EQ(value("linker_map_file_name"), "app.map");
+    EXPECT_EQ(value("link_symbol_definitions"), "OLD=0;STACK=0x400");
+    EXPECT_EQ(value("gcc_entry_point"), "_start");
+    EXPECT_EQ(value("clang_gcc_toolchain"), "/opt/gnu");
+
+    StringList scripted{"-Xlinker", "--script=other.ld", "-Wl,-Map=x.map", "--target=aarch64-linux-gnu"};
+    system.importLinkerOption(host.project, "Debug", scripted);
+    EXPECT_TRUE(scripted.empty());
+    EXPECT_EQ(value("link_linker_script_file"), "other.ld");
+    EXPECT_EQ(value("linker_map_file_name"), "x.map");
+    EXPECT_EQ(value("gcc_target"), "aarch64-linux-gnu");
+}
+
 }  // namespace

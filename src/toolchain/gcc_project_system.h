@@ -82,6 +82,11 @@ public:
     std::string outputFilePath(int step, ProjectElement *element, const std::string &configuration) override;
     void setDependencyCacheEnabled(bool enabled) override;
 
+    // Takes the options of an existing link command that properties stand
+    // for (script, search path, map file, entry point, symbols, target) into
+    // the node's properties; the others stay in options, in their order.
+    void importLinkerOption(ProjectElement *element, const std::string &configuration,
+                            StringList &options) override;
     // The compile command of each C, C++ and assembly file at or below the
     // node, as the build runs it.
     void writeCompilationDatabaseEntry(ProjectElement *element, const std::string &configuration,

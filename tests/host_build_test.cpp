@@ -46,20 +46,24 @@ struct HostedExample {
             runProgram({"/usr/bin/touch", "-d", "@" + std::to_string(seconds), box.at(relative)}, dir, {});
         ASSERT_EQ(touched.status, 0) << touched.err;
     }
-    // The commands of a Debug build, one per line, as -echo shows them with
-    // one slot.
-    std::string mathlibC(const std::string &c) const {
-        return "gcc -xc -c -fmessage-length=0 -DBUILD_NAME=\"" + c + "\" -MD -MF " + dir + "/Output/" + c +
-               "/Obj/mathlib/mathlib.d -MQ ../Output/" + c + "/Obj/mathlib/mathlib.o -Wall -Wextra -std=c11 " +
-               "-ffunction-sections -fdata-sections -Werror -g " + dir + "/mathlib/mathlib.c -o ../Output/" + c +
-               "/Obj/mathlib/mathlib.o\n";
+    // The compile commands of a Debug build, one per line, as -echo shows
+    // them with one slot.
+    std::string compile(const std::string &driver, const std::string &language, const std::string &project,
+                        const std::string &file, const std::string &options,
+                        const std::string &configuration = "Debug") const {
+        const std::string base = file.substr(0, file.find('.'));
+        const std::string object = "../Output/" + configuration + "/Obj/" + project + "/" + base + ".o";
+        return driver + " " + language + " -c -fmessage-length=0 " + options + "-DBUILD_NAME=\"" + configuration +
+               "\" -MD -MF " + dir + "/Output/" + configuration + "/Obj/" + project + "/" + base + ".d -MQ " +
+               object + " -Wall -Wextra " + (language == "-xc" ? "-std=c11 " : language == "-xc++" ? "-std=c++17 " : "") +
+               "-ffunction-sections -fdata-sections -Werror -g " + dir + "/" + project + "/" + file + " -o " +
+               object + "\n";
     }
-    std::string scaleS() const {
-        return "gcc -xassembler-with-cpp -c -fmessage-length=0 -DBUILD_NAME=\"Debug\" -MD -MF " + dir +
-               "/Output/Debug/Obj/mathlib/scale.d -MQ ../Output/Debug/Obj/mathlib/scale.o -Wall -Wextra "
-               "-ffunction-sections -fdata-sections -Werror -g " + dir +
-               "/mathlib/scale.S -o ../Output/Debug/Obj/mathlib/scale.o\n";
+    std::string mathlibC(const std::string &configuration) const {
+        return compile("gcc", "-xc", "mathlib", "mathlib.c", "", configuration);
     }
+    std::string scaleS() const { return compile("gcc", "-xassembler-with-cpp", "mathlib", "scale.S", ""); }
+    std::string mainCpp() const { return compile("g++", "-xc++", "calc", "main.cpp", "-I../mathlib "); }
     std::string archive() const {
         return "rm " + dir + "/Output/Debug/mathlib.a\nar -rcs ../Output/Debug/mathlib.a " + dir +
                "/Output/Debug/Obj/mathlib/mathlib.o " + dir +
@@ -67,12 +71,6 @@ struct HostedExample {
     }
     std::string stage() const {
         return "cp calc.txt " + dir + "/Output/Debug/calc.txt\nchmod +w " + dir + "/Output/Debug/calc.txt\n";
-    }
-    std::string mainCpp() const {
-        return "g++ -xc++ -c -fmessage-length=0 -I../mathlib -DBUILD_NAME=\"Debug\" -MD -MF " + dir +
-               "/Output/Debug/Obj/calc/main.d -MQ ../Output/Debug/Obj/calc/main.o -Wall -Wextra -std=c++17 "
-               "-ffunction-sections -fdata-sections -Werror -g " + dir +
-               "/calc/main.cpp -o ../Output/Debug/Obj/calc/main.o\n";
     }
     std::string link() const {
         return "g++ -g -Wl,--fatal-warnings -Wl,--start-group " + dir + "/Output/Debug/Obj/calc/main.o " + dir +

@@ -3,21 +3,13 @@
 #include "toolchain/gcc_project_system.h"
 
 #include "support/normalise_path.h"
+#include "toolchain/gcc_arguments.h"
 
 StringList GCCProjectSystem::expandedList(ProjectElement *element, PropertyClass *property,
                                           const std::string &configuration, int step) {
     StringList list;
     auto append = [&](PropertyClass *from) {
-        const std::string text = expandedValue(element, from, configuration);
-        std::size_t start = 0;
-        while (start <= text.size()) {
-            std::size_t end = text.find(';', start);
-            if (end == std::string::npos)
-                end = text.size();
-            if (end > start)
-                list.push_back(text.substr(start, end - start));
-            start = end + 1;
-        }
+        gcc_arguments::appendSplit(list, expandedValue(element, from, configuration));
     };
     if (!property)
         return list;

@@ -96,6 +96,8 @@ GenericPropertyClass::GenericPropertyClass(const XMLElement &element)
         order_ = static_cast<std::int32_t>(std::strtol(order->c_str(), nullptr, 10));
     if (const std::string *append = element.attribute("append"))
         appendText_ = *append;
+    if (const std::string *option = element.attribute("option"))
+        optionName_ = *option;
 }
 
 std::vector<std::string> GenericPropertyClass::choices() const

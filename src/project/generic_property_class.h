@@ -25,10 +25,14 @@ public:
     const OptionList &options2() const { return options2_; }
     const std::string &variant() const { return variant_; }
     const std::string &appendText() const { return appendText_; }
+    // The "option" attribute as written: the option that a property other
+    // than an enumeration puts before each argument of its value.
+    const std::string &optionName() const { return optionName_; }
 
 private:
     OptionList options_;
     OptionList options2_;
     std::string variant_;
     std::string appendText_;
+    std::string optionName_;
 };

@@ -74,6 +74,11 @@ TEST(GenericPropertyClass, VariantOrderAndAppend)
     EXPECT_EQ(p.order(), 0);
     EXPECT_EQ(p.appendText(), "-x");
     EXPECT_EQ(p.group(), "Warning");
+    EXPECT_EQ(p.optionName(), "");
+
+    GenericPropertyClass named = generic(R"(<property name="t" type="StringList" option="Wno-"/>)");
+    EXPECT_EQ(named.optionName(), "Wno-");
+    EXPECT_TRUE(named.options().empty());
 
     GenericPropertyClass ordered = generic(R"(<property name="t" order="12"/>)");
     EXPECT_EQ(ordered.order(), 12);

@@ -281,6 +281,12 @@ void GCCProjectSystem::buildStep(ProjectElement *element, const std::string &con
         return;
     appendPreprocessorOptions(element, configuration, step, outputRelative, arguments);
     appendCodeGeneration(element, configuration, step, arguments);
+    if (step != KindAssembly) {
+        appendGenericOptions(element, configuration, GenericOptionSet::Compiler, std::string(), arguments);
+        appendGenericOptions(element, configuration,
+                             step == KindCpp ? GenericOptionSet::CppCompiler : GenericOptionSet::CCompiler,
+                             std::string(), arguments);
+    }
     if (!appendAdditionalOptions(element, configuration, step, builder, arguments))
         return;
     if (step == KindCpp && value(gcc.enableModules) == "Yes" && usesModuleMapper(element, configuration))

@@ -97,6 +97,21 @@ public:
     void preprocessFile(ProjectElement *element, const std::string &configuration, Builder *builder,
                         bool dumpMacros, const StringList &extraOptions, std::string *resultFile) override;
 
+    // The rows that a node of each kind lists: the compile-side rows of the
+    // step's option list (with the active generic options) less those of the
+    // other languages, and the link-side rows for a link. A hosted toolchain
+    // leaves out the rows that only a target needs.
+    void appendCProperties(ProjectElement *element, const std::string &configuration,
+                           PropertyClassList &list) override;
+    void appendCppProperties(ProjectElement *element, const std::string &configuration,
+                             PropertyClassList &list) override;
+    void appendAssemblerProperties(ProjectElement *element, const std::string &configuration,
+                                   PropertyClassList &list) override;
+    void appendSourceFileProperties(ProjectElement *element, const std::string &configuration,
+                                    PropertyClassList &list) override;
+    void appendLinkerProperties(ProjectElement *element, const std::string &configuration,
+                                PropertyClassList &list) override;
+
     GCCProperties gccProperties;
 
 protected:
@@ -132,6 +147,10 @@ protected:
                                  Builder *builder, StringList &list);
     bool readOptionsFile(ProjectElement *element, const std::string &configuration, PropertyClass *property,
                          Builder *builder, StringList &list);
+    // The flags of one list of the node's generic option file. A non-empty
+    // filter passes over the properties whose variant names another tool.
+    void appendGenericOptions(ProjectElement *element, const std::string &configuration,
+                              GenericOptionSet::Tool tool, const std::string &filter, StringList &list);
 
     // The value of property, macro-expanded, split at ";" with empty entries
     // dropped; with a step, the entries of its variant for the step's

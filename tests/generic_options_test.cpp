@@ -79,3 +79,12 @@ TEST(GenericOptions, AProjectsOwnFileTakesThePlaceOfTheShippedOne) {
     EXPECT_NE(r.err.find("[-Wmissing-prototypes]"), std::string::npos) << r.err;
     EXPECT_EQ(r.status, 0);
 }
+
+TEST(GenericOptions, TheCommandLineSetsAShippedWarningOption) {
+    Project p("");
+    const auto r = runQuillmake(p.box, {"-host", "-config", "Debug", "-threadnum", "1", "-echo", "-project", "Warned",
+                                        "-property", "gcc_warn_shadow=Yes", "g.tbp"});
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_NE(r.out.find(" -Wshadow "), std::string::npos) << r.out;
+}

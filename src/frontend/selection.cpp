@@ -56,6 +56,8 @@ bool setCommandLineProperty(ProjectSystem &system, ProjectElement *element,
                             const std::string &configuration, const std::string &entry,
                             std::ostream &out) {
     const PropertyEntry property = splitEntry(entry);
+    // The options of the node's generic option file are known once it is read.
+    system.loadGenericOptions(element, configuration);
     if (PropertyClass *propertyClass = system.propertyClasses.propertyClass(property.name)) {
         system.setPropertyValue(element, propertyClass, configuration, property.value.value_or(""));
         return true;

@@ -3,6 +3,7 @@
 #include "support/test_directory.h"
 #include "toolchain/arm/arm_project_system.h"
 #include "toolchain/gcc_host_project_system.h"
+#include "toolchain/toolchain_test_fixture.h"
 
 #include "build/builder.h"
 #include "project/project_property_class.h"
@@ -13,34 +14,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-// A solution of one project, loaded by the project system under test.
-template <class System>
-struct Toolchain {
-    explicit Toolchain(const std::string &configuration = "") {
-        system.installDirectory = "/studio";
-        const std::string file = directory.write(
-            "s.tbp", "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"2\">\n"
-                     "  <configuration Name=\"Debug\" />\n  <project Name=\"P\">\n"
-                     "    <configuration Name=\"Common\" build_intermediate_directory=\"obj\" " +
-                         configuration +
-                         " />\n    <file file_name=\"m.cpp\" />\n    <file file_name=\"h.h\" />\n"
-                         "  </project>\n</solution>\n");
-        system.loadSolution(file);
-        project = system.findProject(system.solution, "P");
-        source = system.findFileByPath(project, "m.cpp");
-        header = system.findFileByPath(project, "h.h");
-    }
-    std::string expand(const std::string &text) {
-        return system.expandProjectMacros(project, text, "Debug");
-    }
-    TestDirectory directory;
-    SystemMacros macros;
-    System system{&macros};
-    ProjectElement *project = nullptr;
-    ProjectElement *source = nullptr;
-    ProjectElement *header = nullptr;
-};
 
 TEST(HostToolchain, FindsTheToolsOnTheSearchPathUnlessTold) {
     Toolchain<GCCHostProjectSystem> plain;
@@ -229,24 +202,6 @@ TEST(HostToolchain, PreprocessorOptionsInTheirOrder) {
     system.appendPreprocessorOptions(host.source, "Debug", 2, "obj/m.o", list);
     EXPECT_EQ(list, (StringList{"-undef", "-DA", "-DB=2", "-UU", "-include", "force.h", "-imacros", "m.h"}));
 }
-
-// Keeps the commands it is given, one line each.
-class CommandBuilder : public Builder {
-public:
-    void beginStep(ProjectElement *, const std::string &title, const std::string &, int) override {
-        lines.push_back("begin " + title);
-    }
-    void endStep(ProjectElement *, const std::string &) override { lines.push_back("end"); }
-    void addCommand(const std::string &, const std::vector<std::string> &arguments,
-                    const std::string &output) override {
-        std::string line;
-        for (const std::string &argument : arguments)
-            line += (line.empty() ? "" : " ") + argument;
-        lines.push_back(line + " => " + output);
-    }
-    void reportError(const std::string &text) override { lines.push_back("error " + text); }
-    std::vector<std::string> lines;
-};
 
 TEST(HostToolchain, DriverCompileArgumentsInTheirOrder) {
     Toolchain<GCCHostProjectSystem> host(

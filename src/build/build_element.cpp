@@ -110,7 +110,7 @@ bool NodeBuild::compile(int kind) {
     stepDone();
     const std::string source = system.sourcePath(element, configuration);
     // A unity folder's file may not be written yet.
-    if (!system.isFolder(element) && !FileInfo(source).exists()) {
+    if (!system.isFolder(element) && !system.fileStatusCache().status(source).exists) {
         beginStep("Checking Source File Exists");
         builder->reportError(source + " does not exist.");
         endStep();
@@ -118,7 +118,7 @@ bool NodeBuild::compile(int kind) {
             return false;
     }
 
-    const std::string target = system.outputFilePath(kind, element, configuration);
+    const std::string target = system.compiledFilePath(kind, element, configuration);
     beginCheck();
     std::string resolved;
     FileTime targetTime;
@@ -128,11 +128,15 @@ bool NodeBuild::compile(int kind) {
     if (!run)
         run = !system.inputsAreOlder(projectDirectory, target, targetTime, {source}, builder, quiet);
     if (!run) {
-        StringList inputs = system.fileDependencies(element, configuration, resolved);
-        if (inputs.empty())
-            inputs.push_back(source);
-        system.forcedIncludeFiles(element, configuration, inputs);
-        run = !system.inputsAreOlder(projectDirectory, target, targetTime, inputs, builder, quiet);
+        // The dependency file's list (or the source alone), then the forced
+        // include files; the list is the cache's own, not a copy.
+        const StringList sourceOnly{source};
+        const StringList &dependencies = system.fileDependencies(element, configuration, resolved);
+        StringList forced;
+        system.forcedIncludeFiles(element, configuration, forced);
+        run = !system.inputsAreOlder(projectDirectory, target, targetTime,
+                                     dependencies.empty() ? sourceOnly : dependencies, builder, quiet) ||
+              !system.inputsAreOlder(projectDirectory, target, targetTime, forced, builder, quiet);
     }
     if (!run)
         run = !system.propertiesChanged(element, configuration, targetTime, kind, builder, quiet);

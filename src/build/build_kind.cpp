@@ -1,4 +1,5 @@
-// What a node is built as, and how many steps that takes.
+// What a node is built as, and how many steps that takes; and what a build
+// keeps of these answers per node.
 
 #include "build/standard_project_system.h"
 
@@ -16,6 +17,42 @@ bool startsWith(const std::string &text, std::string_view prefix) {
 
 int StandardProjectSystem::buildKind(ProjectElement *element, const std::string &configuration,
                                      BuildFlags flags) {
+    const bool analyse = flags & BuildAnalyse;
+    NodeAnswers *answers = nodeAnswers(element, configuration);
+    if (!answers)
+        return findBuildKind(element, configuration, analyse);
+    if (answers->kind[analyse] < 0)
+        answers->kind[analyse] = findBuildKind(element, configuration, analyse);
+    return answers->kind[analyse];
+}
+
+std::string StandardProjectSystem::compiledFilePath(int kind, ProjectElement *element,
+                                                    const std::string &configuration) {
+    NodeAnswers *answers = nodeAnswers(element, configuration);
+    if (!answers)
+        return outputFilePath(kind, element, configuration);
+    if (answers->compiledKind != kind) {
+        answers->compiledFile = outputFilePath(kind, element, configuration);
+        answers->compiledKind = kind;
+    }
+    return answers->compiledFile;
+}
+
+StandardProjectSystem::NodeAnswers *StandardProjectSystem::nodeAnswers(
+    ProjectElement *element, const std::string &configuration) {
+    if (!nodeAnswers_.enabled)
+        return nullptr;
+    for (auto &[name, nodes] : nodeAnswers_.entries)
+        if (name == configuration)
+            return &nodes[element];
+    nodeAnswers_.entries.emplace_back(configuration, std::unordered_map<ProjectElement *, NodeAnswers>());
+    return &nodeAnswers_.entries.back().second[element];
+}
+
+void StandardProjectSystem::forgetNodeAnswers() { nodeAnswers_.entries.clear(); }
+
+int StandardProjectSystem::findBuildKind(ProjectElement *element, const std::string &configuration,
+                                         bool analyse) {
     if (isProject(element)) {
         const std::string type =
             getPropertyValue(element, nodeProperties.projectType, configuration).value_or("");
@@ -79,7 +116,7 @@ int StandardProjectSystem::buildKind(ProjectElement *element, const std::string 
     if (type == "Object file" || type == "Executable" || type == "Library")
         return KindInput;
     if (type == "Header") {
-        if (flags & BuildAnalyse)
+        if (analyse)
             return isCppProject(project, configuration) ? KindCpp : KindC;
         return precompiledHeaderStep(element, configuration);
     }

@@ -62,7 +62,7 @@ void StandardProjectSystem::collectObjects(ProjectElement *first, const std::str
             list.push_back(sourcePath(file, configuration));
         } else if ((kind == KindC || kind == KindCpp || kind == KindAssembly) &&
                    fileTypeName(file, configuration) != "Header") {
-            const std::string object = outputFilePath(kind, file, configuration);
+            const std::string object = compiledFilePath(kind, file, configuration);
             if (!object.empty())
                 list.push_back(object);
         }
@@ -78,7 +78,7 @@ void StandardProjectSystem::collectObjects(ProjectElement *first, const std::str
             getPropertyValue(node, nodeProperties.buildExcludeFromBuild, configuration).value_or("No") != "No";
         if (excluded || !isUnityFolder(node, configuration, noUnity))
             return true;
-        pointFolderAtUnityFile(node, unityFilePath(*this, node, configuration));
+        pointFolderAtUnityFile(*this, node, unityFilePath(*this, node, configuration));
         const int kind = buildKind(node, configuration, 0);
         const std::string object = outputFilePath(kind, node, configuration);
         if (!object.empty())

@@ -60,6 +60,7 @@ void ProjectSystemBuilder::prepareBuild(ProjectElement *element, const std::stri
     workers.clear();
     projectSystem->setMacroCacheEnabled(true);
     projectSystem->setDependencyCacheEnabled(true);
+    projectSystem->fileStatusCache().setEnabled(true);
 
     if (StandardProjectSystem::isSolution(element)) {
         addSolutionJobs(element, configuration, flags, batch, flags & BuildBatch, list);

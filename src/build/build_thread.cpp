@@ -112,6 +112,12 @@ void BuildThread::start() {
     cursor_ = 0;
 }
 
+void BuildThread::filesChanged() {
+    // The checks of the jobs after this one must see the files as they are
+    // now, not as an earlier check found them.
+    projectSystem_->fileStatusCache().clear();
+}
+
 bool BuildThread::poll(int &exitStatus) {
     for (const ProjectJob *dependency : job_->dependencies)
         if (!dependency->done)
@@ -129,12 +135,14 @@ bool BuildThread::poll(int &exitStatus) {
             builder_->endStep(step.element, step.configuration);
             break;
         case BuildStep::AddCommand:
-            ++cursor_;
+            // The wait that follows doesn't block: a command shown and not
+            // run is over at once, and a child's end is found later.
             builder_->addCommand(step.workingDirectory, step.arguments, step.path);
-            return false;
+            break;
         case BuildStep::WaitForCommand:
             if (!builder_->waitForCommand(step.element, step.configuration, exitStatus))
                 return false;
+            filesChanged();
             if (exitStatus != 0 || driver_->failed || driver_->cancelled) {
                 idler_->projectFinished(step.element, step.configuration);
                 cursor_ = steps_.size();
@@ -153,6 +161,7 @@ bool BuildThread::poll(int &exitStatus) {
         case BuildStep::AcceptOutputFile:
             if (!builder_->acceptOutputFile(step.path)) {
                 builder_->deleteFile(step.path, true);
+                filesChanged();
                 driver_->failed = true;
             }
             break;
@@ -174,12 +183,15 @@ bool BuildThread::poll(int &exitStatus) {
             break;
         case BuildStep::WriteLines:
             builder_->writeLines(step.path, step.arguments);
+            filesChanged();
             break;
         case BuildStep::DeleteFile:
             builder_->deleteFile(step.path, false);
+            filesChanged();
             break;
         case BuildStep::DeleteFileQuietly:
             builder_->deleteFile(step.path, true);
+            filesChanged();
             break;
         }
         ++cursor_;

@@ -83,6 +83,8 @@ public:
 private:
     BuildStep &record(int type, ProjectElement *element = nullptr);
     void start();
+    // After a replayed step that may have written or deleted files.
+    void filesChanged();
     // The element and configuration of the step being recorded.
     ProjectElement *currentElement_ = nullptr;
     std::string currentConfiguration_;

@@ -42,8 +42,9 @@ public:
     }
 };
 
-// A slot's builder: a command runs for `duration` polls and ends with the
-// status set for its file (0 by default). Every call is logged in order,
+// A slot's builder: a command ends at its third wait (the first comes in the
+// pass that starts it, so it stays busy for two more) with the status set
+// for its file (0 by default). Every call is logged in order,
 // with the slot's number.
 class FakeBuilder : public Builder {
 public:
@@ -57,7 +58,7 @@ public:
                     const std::string &) override {
         note("start " + arguments[0] + " " + arguments[1]);
         running_ = arguments[0] + " " + arguments[1];
-        remaining_ = 2;
+        remaining_ = 3;
     }
     bool waitForCommand(ProjectElement *, const std::string &, int &exitStatus) override {
         if (--remaining_ > 0)

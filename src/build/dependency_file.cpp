@@ -1,75 +1,113 @@
 #include "build/dependency_file.h"
 
+#include <array>
+
 namespace {
 
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
-// The names of one side of a rule.
-std::vector<std::string> splitNames(std::string_view text) {
-    std::vector<std::string> names;
-    std::string name;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '\\' && i + 1 < text.size() && (isBlank(text[i + 1]) || text[i + 1] == '#')) {
-            name += text[++i];
-        } else if (c == '$' && i + 1 < text.size() && text[i + 1] == '$') {
-            name += '$';
-            ++i;
-        } else if (isBlank(c)) {
-            if (!name.empty())
-                names.push_back(std::move(name));
-            name.clear();
-        } else {
-            name += c;
-        }
-    }
-    if (!name.empty())
-        names.push_back(std::move(name));
-    return names;
-}
-
-void addRule(std::string_view line, std::vector<DependencyRule> &rules) {
-    DependencyRule rule;
-    std::size_t colon = line.find(": ");
-    if (colon == std::string_view::npos) {
-        const std::size_t last = line.find_last_not_of(" \t");
-        if (last != std::string_view::npos && line[last] == ':')
-            colon = last;
-    }
-    if (colon == std::string_view::npos) {
-        rule.prerequisites = splitNames(line);
-    } else {
-        rule.targets = splitNames(line.substr(0, colon));
-        rule.prerequisites = splitNames(line.substr(colon + 1));
-    }
-    if (!rule.targets.empty() || !rule.prerequisites.empty())
-        rules.push_back(std::move(rule));
-}
+// The characters that end a plain run of a name: blanks and the two that
+// may escape something. A table, for this scan reads every byte of every
+// dependency file of a build.
+constexpr std::array<bool, 256> plainRunEnds = [] {
+    std::array<bool, 256> ends{};
+    for (const unsigned char c : {' ', '\t', '\\', '$'})
+        ends[c] = true;
+    return ends;
+}();
 
 }  // namespace
 
-std::vector<DependencyRule> parseDependencyRules(std::string_view text) {
-    std::vector<DependencyRule> rules;
-    std::string joined;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = text.find('\n', start);
-        if (end == std::string_view::npos)
-            end = text.size();
-        std::string_view line = text.substr(start, end - start);
-        start = end + 1;
-        if (!line.empty() && line.back() == '\r')
-            line.remove_suffix(1);
-        if (!line.empty() && line.back() == '\\') {
-            line.remove_suffix(1);
-            joined += line;
+void DependencyRuleReader::splitNames(std::string_view text, std::vector<std::string_view> &names) {
+    std::size_t i = 0;
+    while (i < text.size()) {
+        if (isBlank(text[i])) {
+            ++i;
             continue;
         }
-        joined += line;
-        addRule(joined, rules);
-        joined.clear();
+        // Most names escape nothing and are taken as they stand.
+        std::size_t end = i;
+        while (end < text.size() && !plainRunEnds[static_cast<unsigned char>(text[end])])
+            ++end;
+        if (end == text.size() || isBlank(text[end])) {
+            names.push_back(text.substr(i, end - i));
+            i = end;
+            continue;
+        }
+        std::string &name = escaped_.emplace_back(text.substr(i, end - i));
+        for (i = end; i < text.size() && !isBlank(text[i]); ++i) {
+            const char c = text[i];
+            if (c == '\\' && i + 1 < text.size() && (isBlank(text[i + 1]) || text[i + 1] == '#')) {
+                name += text[++i];
+            } else if (c == '$' && i + 1 < text.size() && text[i + 1] == '$') {
+                name += '$';
+                ++i;
+            } else {
+                name += c;
+            }
+        }
+        names.push_back(name);
     }
-    if (!joined.empty())
-        addRule(joined, rules);
+}
+
+bool DependencyRuleReader::next() {
+    targets_.clear();
+    prerequisites_.clear();
+    escaped_.clear();
+    while (position_ < text_.size()) {
+        // One rule: a line and the lines that continue it.
+        joined_.clear();
+        std::string_view rule;
+        bool continued = false;
+        while (position_ < text_.size()) {
+            std::size_t end = text_.find('\n', position_);
+            if (end == std::string_view::npos)
+                end = text_.size();
+            std::string_view line = text_.substr(position_, end - position_);
+            position_ = end + 1;
+            if (!line.empty() && line.back() == '\r')
+                line.remove_suffix(1);
+            const bool continues = !line.empty() && line.back() == '\\';
+            if (continues)
+                line.remove_suffix(1);
+            if (!continued && !continues) {
+                rule = line;  // a single line: no copy
+                break;
+            }
+            if (!continued)
+                joined_.reserve(text_.size());  // one allocation for any rule
+            joined_ += line;
+            rule = joined_;
+            continued = true;
+            if (!continues)
+                break;
+        }
+
+        std::size_t colon = rule.find(": ");
+        if (colon == std::string_view::npos) {
+            const std::size_t last = rule.find_last_not_of(" \t");
+            if (last != std::string_view::npos && rule[last] == ':')
+                colon = last;
+        }
+        if (colon == std::string_view::npos) {
+            splitNames(rule, prerequisites_);
+        } else {
+            splitNames(rule.substr(0, colon), targets_);
+            splitNames(rule.substr(colon + 1), prerequisites_);
+        }
+        if (!targets_.empty() || !prerequisites_.empty())
+            return true;
+    }
+    return false;
+}
+
+std::vector<DependencyRule> parseDependencyRules(std::string_view text) {
+    std::vector<DependencyRule> rules;
+    DependencyRuleReader reader(text);
+    while (reader.next()) {
+        DependencyRule &rule = rules.emplace_back();
+        rule.targets.assign(reader.targets().begin(), reader.targets().end());
+        rule.prerequisites.assign(reader.prerequisites().begin(), reader.prerequisites().end());
+    }
     return rules;
 }

@@ -24,6 +24,12 @@ TEST(DependencyFile, EscapedBlanksStayInTheName) {
               (Names{"my file.c", "dir x/a#b.h", "cost$.h", "c:\\src\\d.h"}));
 }
 
+TEST(DependencyFile, EscapesAtEitherEndOfANameAndSignsThatStayAsTheyAre) {
+    const auto rules = parseDependencyRules("t.o: \\ lead.h trail\\ \tx$y.h $$$ a\\b.h");
+    ASSERT_EQ(rules.size(), 1u);
+    EXPECT_EQ(rules[0].prerequisites, (Names{" lead.h", "trail ", "x$y.h", "$$", "a\\b.h"}));
+}
+
 TEST(DependencyFile, ALineWithoutTargetIsAllPrerequisites) {
     const auto rules = parseDependencyRules("a.c\tb.h   c.h");
     ASSERT_EQ(rules.size(), 1u);
@@ -39,6 +45,21 @@ TEST(DependencyFile, SeveralTargetsAndAColonInsideAName) {
     EXPECT_EQ(rules[0].prerequisites, Names{"C:/x/a.c"});
     // A continuation at the end of the text ends the rule.
     EXPECT_EQ(rules[1].targets, Names{"last.o"});
+}
+
+TEST(DependencyFile, TheReaderGivesOneRuleAtATime) {
+    // Plain names, unescaped ones and names of continued lines side by side,
+    // all valid until the next rule is read.
+    DependencyRuleReader reader("a.o: a.c dir\\ x/b.h \\\n  c$$.h\n\nb.o: b.c\n");
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.targets(), std::vector<std::string_view>{"a.o"});
+    EXPECT_EQ(reader.prerequisites(), (std::vector<std::string_view>{"a.c", "dir x/b.h", "c$.h"}));
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.targets(), std::vector<std::string_view>{"b.o"});
+    EXPECT_EQ(reader.prerequisites(), std::vector<std::string_view>{"b.c"});
+    EXPECT_FALSE(reader.next());
+    EXPECT_TRUE(reader.targets().empty());
+    EXPECT_TRUE(reader.prerequisites().empty());
 }
 
 TEST(DependencyFile, NothingGivesNoRules) {

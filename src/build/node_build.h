@@ -90,4 +90,5 @@ std::optional<bool> buildUnityFolder(StandardProjectSystem &system, ProjectEleme
 // The unity file of a folder, and the folder's file_name set to it.
 std::string unityFilePath(StandardProjectSystem &system, ProjectElement *folder,
                           const std::string &configuration);
-void pointFolderAtUnityFile(ProjectElement *folder, const std::string &path);
+void pointFolderAtUnityFile(StandardProjectSystem &system, ProjectElement *folder,
+                            const std::string &path);

@@ -104,6 +104,7 @@ bool ProjectSystemBuilder::stepBuild(int &status) {
     status = cancelled ? Cancelled : failed ? Failed : built ? Built : NothingBuilt;
     projectSystem->setMacroCacheEnabled(false);
     projectSystem->setDependencyCacheEnabled(false);
+    projectSystem->fileStatusCache().setEnabled(false);
     return false;
 }
 

@@ -212,7 +212,9 @@ bool StandardProjectSystem::isUnityFolder(ProjectElement *element, const std::st
 
 void StandardProjectSystem::setDependencyCacheEnabled(bool enabled) {
     dependencyCache_.enabled = enabled;
-    dependencyCache_.entries.clear();
+    dependencyCache_.texts.clear();
+    nodeAnswers_.enabled = enabled;
+    nodeAnswers_.entries.clear();
 }
 
 bool StandardProjectSystem::canCheckSyntax(ProjectElement *, const std::string &) { return false; }

@@ -3,10 +3,12 @@
 #include "build/build_flags.h"
 #include "project/project_system.h"
 #include "project/standard_property_table.h"
+#include "support/file_status_cache.h"
 #include "support/file_time.h"
 
 #include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 class Builder;
@@ -71,9 +73,11 @@ public:
     virtual void appendIntermediateFiles(ProjectElement *element, const std::string &configuration,
                                          int step, const std::string &output, StringList &list);
     // The prerequisites of an output, from its dependency file; read once per
-    // build while the dependency cache is on.
-    virtual StringList fileDependencies(ProjectElement *element, const std::string &configuration,
-                                        const std::string &output);
+    // build while the dependency cache is on. The list stays valid until the
+    // next call.
+    virtual const StringList &fileDependencies(ProjectElement *element,
+                                               const std::string &configuration,
+                                               const std::string &output);
     // c_include_files and the variant of the node's language.
     virtual void forcedIncludeFiles(ProjectElement *element, const std::string &configuration,
                                     StringList &list);
@@ -176,8 +180,15 @@ public:
 
     // ---- Build logic common to all toolchains.
 
-    // What a node is built as; see BuildKind.
+    // What a node is built as; see BuildKind. Kept for each node while the
+    // dependency cache is on, since a build asks several times per file.
     int buildKind(ProjectElement *element, const std::string &configuration, BuildFlags flags);
+    // outputFilePath of a compile step (kinds 2 to 4), kept in the same way:
+    // the compile's check and the archive or link that collects the objects
+    // both ask.
+    std::string compiledFilePath(int kind, ProjectElement *element, const std::string &configuration);
+    // Forgets what was kept of the nodes, after the build changed one.
+    void forgetNodeAnswers();
     // The number of steps a node will take.
     int stepCount(ProjectElement *element, const std::string &configuration, BuildFlags flags);
     // True for a file whose kind is 1 to 4 or 9.
@@ -221,8 +232,12 @@ public:
     // the target.
     bool propertiesChanged(ProjectElement *element, const std::string &configuration,
                            FileTime targetTime, int kind, Builder *builder, bool quiet);
-    // The dependency cache of fileDependencies, on for the time of a build.
+    // The dependency cache of fileDependencies, and the answers that
+    // buildKind and compiledFilePath keep: on for the time of a build.
     virtual void setDependencyCacheEnabled(bool enabled);
+    // The status of the files that the checks ask about, on for the time of a
+    // build and cleared whenever a job may have written files.
+    FileStatusCache &fileStatusCache() { return fileStatus_; }
 
     // ---- Order of a build.
 
@@ -249,9 +264,28 @@ public:
                               const std::string &configuration, const MacroMap &extra);
 
 private:
+    int findBuildKind(ProjectElement *element, const std::string &configuration, bool analyse);
+
+    FileStatusCache fileStatus_;
+    // What a build asks about a node more than once, in one configuration.
+    struct NodeAnswers {
+        int kind[2] = {-1, -1};  // buildKind without and with BuildAnalyse
+        int compiledKind = -1;   // the kind that compiledFile is for
+        std::string compiledFile;
+    };
+    struct NodeAnswerCache {
+        bool enabled = false;
+        // Per configuration; a build has one or a few.
+        std::vector<std::pair<std::string, std::unordered_map<ProjectElement *, NodeAnswers>>> entries;
+    };
+    // The kept answers of the node, or null while the cache is off.
+    NodeAnswers *nodeAnswers(ProjectElement *element, const std::string &configuration);
+    NodeAnswerCache nodeAnswers_;
     struct DependencyCache {
         bool enabled = false;
-        std::map<std::pair<ProjectElement *, std::string>, StringList> entries;
+        // The text of the dependency file of an element's output.
+        std::map<std::pair<ProjectElement *, std::string>, std::string> texts;
+        StringList answer;  // the last answer of fileDependencies
     };
     DependencyCache dependencyCache_;
 };

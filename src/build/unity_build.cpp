@@ -41,20 +41,24 @@ std::string unityFilePath(StandardProjectSystem &system, ProjectElement *folder,
                                                  configuration));
 }
 
-void pointFolderAtUnityFile(ProjectElement *folder, const std::string &path) {
+void pointFolderAtUnityFile(StandardProjectSystem &system, ProjectElement *folder,
+                            const std::string &path) {
     // The build's own change: the tree isn't marked as modified.
     if (const std::string *current = folder->attribute("file_name"); current && *current == path)
         return;
     folder->setAttribute("file_name", path);
     ProjectSystem::invalidatePaths(folder);
-    folder->projectSystem->dropMacroCache();
+    system.dropMacroCache();
+    // The folder now builds as its unity file.
+    system.forgetNodeAnswers();
 }
 
 namespace {
 
 // Writes the unity file now, unless it is there and newer than the solution
-// file. A file that can't be written is passed over: the compile reports it.
-void writeUnityFile(ProjectElement *folder, const std::string &path, const StringList &lines,
+// file; true if it was written. A file that can't be written is passed over:
+// the compile reports it.
+bool writeUnityFile(ProjectElement *folder, const std::string &path, const StringList &lines,
                     bool force) {
     if (!force) {
         const FileInfo unity(path);
@@ -63,17 +67,18 @@ void writeUnityFile(ProjectElement *folder, const std::string &path, const Strin
             solution = folder->projectSystem->rootOf();
         const FileTime solutionTime = solution ? solution->filePath.lastModified() : FileTime();
         if (unity.exists() && !solutionTime.laterInSecondsThan(unity.lastModified()))
-            return;
+            return false;
     }
     makeDirectories(directoryOf(path));
     FILE *file = std::fopen(path.c_str(), "w");
     if (!file)
-        return;
+        return false;
     for (const std::string &line : lines) {
         std::fwrite(line.data(), 1, line.size(), file);
         std::fputc('\n', file);
     }
     std::fclose(file);
+    return true;
 }
 
 }  // namespace
@@ -92,7 +97,7 @@ std::optional<bool> buildUnityFolder(StandardProjectSystem &system, ProjectEleme
     if (flags & BuildClean) {
         // The unity file and its object; the folder's files weren't built
         // singly in this configuration.
-        pointFolderAtUnityFile(folder, path);
+        pointFolderAtUnityFile(system, folder, path);
         if (builder) {
             builder->beginStep(folder, "Cleaning '" + system.displayName(folder) + "'",
                                configuration, 0);
@@ -112,11 +117,11 @@ std::optional<bool> buildUnityFolder(StandardProjectSystem &system, ProjectEleme
         if (flags & BuildExport) {
             if (builder)
                 builder->writeLines(path, lines);
-        } else {
-            writeUnityFile(folder, path, lines, force);
+        } else if (writeUnityFile(folder, path, lines, force)) {
+            system.fileStatusCache().clear();
         }
     }
-    pointFolderAtUnityFile(folder, path);
+    pointFolderAtUnityFile(system, folder, path);
 
     for (ProjectElement *file : excludedFiles)
         if (system.buildElement(file, configuration, builder, idler, flags))

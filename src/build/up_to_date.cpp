@@ -7,27 +7,29 @@
 #include "build/dependency_file.h"
 #include "build/standard_project_system.h"
 #include "support/file_info.h"
+#include "support/file_status_cache.h"
+#include "support/file_utils.h"
+#include "support/normalise_path.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <string_view>
 
 bool StandardProjectSystem::checkTarget(const std::string &directory, const std::string &target,
                                         std::string &resolved, FileTime &targetTime,
                                         Builder *builder, bool quiet, bool emptyIsMissing) {
     resolved = absolutePathFrom(directory, target);
-    const FileInfo info(resolved);
-    if (!info.exists()) {
+    const FileStatus info = fileStatus_.status(resolved);
+    if (!info.exists) {
         if (!quiet && builder)
             builder->reportDetail(target + " does not exist.");
         return false;
     }
-    if (emptyIsMissing && info.size() == 0) {
+    if (emptyIsMissing && info.size == 0) {
         if (!quiet && builder)
             builder->reportDetail(target + " is empty.");
         return false;
     }
-    targetTime = info.lastModified();
+    targetTime = info.lastModified;
     return true;
 }
 
@@ -36,13 +38,18 @@ bool StandardProjectSystem::inputsAreOlder(const std::string &directory, const s
                                            Builder *builder, bool quiet) {
     const bool explain = !quiet && builder;
     for (const std::string &input : inputs) {
-        const FileInfo info(absolutePathFrom(directory, input));
-        if (!info.exists()) {
+        // Dependency files mostly name absolute paths that need no work.
+        std::string resolved;
+        const std::string &path = !isRelativePath(input) && isPlainPath(input)
+                                      ? input
+                                      : (resolved = absolutePathFrom(directory, input));
+        const FileStatus info = fileStatus_.status(path);
+        if (!info.exists) {
             if (explain)
-                builder->reportDetail(info.filePath() + " does not exist.");
+                builder->reportDetail(path + " does not exist.");
             return false;
         }
-        const FileTime time = info.lastModified();
+        const FileTime time = info.lastModified;
         // A file from the future is only worth a word: its time still
         // decides below.
         if (explain && time > FileTime::now())
@@ -94,47 +101,70 @@ bool StandardProjectSystem::propertiesChanged(ProjectElement *element,
         optionFiles = {toolProperties.linkerAdditionalOptionsFromFile};
     if (optionFiles.empty())
         return true;
-    const std::string directory = projectDirectory(element, configuration);
-    const std::string target = outputFilePath(kind, element, configuration);
+    std::string directory, target;  // found for the first option file that is set
     for (PropertyClass *property : optionFiles) {
         const std::string file = expandedValue(element, property, configuration);
-        if (!file.empty() && !inputsAreOlder(directory, target, targetTime, {file}, builder, quiet))
+        if (file.empty())
+            continue;
+        if (target.empty()) {
+            directory = projectDirectory(element, configuration);
+            target = outputFilePath(kind, element, configuration);
+        }
+        if (!inputsAreOlder(directory, target, targetTime, {file}, builder, quiet))
             return false;
     }
     return true;
 }
 
-StringList StandardProjectSystem::fileDependencies(ProjectElement *element,
-                                                   const std::string &configuration,
-                                                   const std::string &output) {
-    const auto key = std::make_pair(element, output);
+const StringList &StandardProjectSystem::fileDependencies(ProjectElement *element,
+                                                          const std::string &configuration,
+                                                          const std::string &output) {
+    // The cache keeps the text of each file read in this build: a second
+    // question parses it again, but the file is read once. (Keeping the
+    // texts rather than the lists costs one allocation per file, not one
+    // per name.)
+    std::string uncached;
+    const std::string *text = &uncached;
     if (dependencyCache_.enabled) {
-        const auto cached = dependencyCache_.entries.find(key);
-        if (cached != dependencyCache_.entries.end())
-            return cached->second;
+        const auto [cached, added] = dependencyCache_.texts.try_emplace(std::make_pair(element, output));
+        if (added)
+            readFile(dependencyFilePath(element, configuration, output), cached->second);
+        text = &cached->second;
+    } else {
+        readFile(dependencyFilePath(element, configuration, output), uncached);
     }
 
-    StringList result;
-    std::ifstream in(dependencyFilePath(element, configuration, output), std::ios::binary);
-    if (in) {
-        const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    // The answer's strings are assigned, not made anew, so that their room is
+    // used again from one file to the next.
+    StringList &result = dependencyCache_.answer;
+    std::size_t count = 0;
+    auto add = [&](const std::vector<std::string_view> &names) {
+        for (const std::string_view name : names) {
+            if (count < result.size())
+                result[count].assign(name);
+            else
+                result.emplace_back(name);
+            ++count;
+        }
+    };
+    if (!text->empty()) {
         const std::string directory = projectDirectory(element, configuration);
         // Both sides are normalised absolute paths.
         const std::string outputPath = absolutePathFrom(directory, output);
-        auto namesOutput = [&](const std::string &target) {
-            return absolutePathFrom(directory, target) == outputPath;
+        auto namesOutput = [&](std::string_view target) {
+            return absolutePathFrom(directory, std::string(target)) == outputPath;
         };
-        for (DependencyRule &rule : parseDependencyRules(text)) {
-            if (rule.targets.empty()) {
-                if (result.empty())
-                    result = std::move(rule.prerequisites);
-            } else if (std::any_of(rule.targets.begin(), rule.targets.end(), namesOutput)) {
-                result.insert(result.end(), rule.prerequisites.begin(), rule.prerequisites.end());
+        DependencyRuleReader rules(*text);
+        while (rules.next()) {
+            if (rules.targets().empty()) {
+                if (count == 0)
+                    add(rules.prerequisites());
+            } else if (std::any_of(rules.targets().begin(), rules.targets().end(), namesOutput)) {
+                add(rules.prerequisites());
             }
         }
     }
-    if (dependencyCache_.enabled)
-        dependencyCache_.entries[key] = result;
+    result.resize(count);
     return result;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -43,6 +44,36 @@ bool makeDirectories(const std::string &directory) {
             return false;
     }
     return true;
+}
+
+bool readFile(const std::string &path, std::string &text) {
+    text.clear();
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    struct stat status;
+    bool ok = fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode);
+    // A regular file is read up to the size that fstat gave; a file that the
+    // system sizes as 0 (as in /proc) to its end.
+    const bool sized = ok && S_ISREG(status.st_mode) && status.st_size > 0;
+    const std::size_t expected = sized ? std::size_t(status.st_size) : 0;
+    std::size_t length = 0;
+    text.resize(sized ? expected : 4096);
+    while (ok && !(sized && length == expected)) {
+        const ssize_t count = read(descriptor, text.data() + length, text.size() - length);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0) {
+            ok = count == 0;
+            break;
+        }
+        length += std::size_t(count);
+        if (!sized && length == text.size())
+            text.resize(text.size() * 2);
+    }
+    close(descriptor);
+    text.resize(ok ? length : 0);
+    return ok;
 }
 
 bool removeFile(const std::string &path) { return unlink(path.c_str()) == 0; }

@@ -9,6 +9,11 @@
 // fails, for instance under a plain file.
 bool makeDirectories(const std::string &directory);
 
+// Reads a whole file into `text`: a regular file up to the size that fstat
+// gives, mostly in one read, anything else to its end; false (and `text`
+// empty) if it can't be opened or read.
+bool readFile(const std::string &path, std::string &text);
+
 // Removes a file; true on success.
 bool removeFile(const std::string &path);
 

@@ -64,6 +64,33 @@ TEST(RemoveFile, RemovesOnceOnly) {
     EXPECT_FALSE(removeFile(scratch / "dir"));
 }
 
+TEST(ReadFile, ReadsTheWholeFileWhateverItsSize) {
+    TestDirectory scratch;
+    std::string text = "left over";
+    EXPECT_TRUE(readFile(scratch.write("empty.d"), text));
+    EXPECT_EQ(text, "");
+
+    std::string large(100000, 'x');
+    large[0] = '\0';  // bytes, not a C string
+    large.back() = '\n';
+    EXPECT_TRUE(readFile(scratch.write("large.d", large), text));
+    EXPECT_EQ(text, large);
+
+    // A file the system sizes as 0 is read to its end all the same.
+    EXPECT_TRUE(readFile("/proc/self/status", text));
+    EXPECT_EQ(text.compare(0, 5, "Name:"), 0) << text;
+}
+
+TEST(ReadFile, AMissingFileOrADirectoryIsEmptyAndFalse) {
+    TestDirectory scratch;
+    std::string text = "left over";
+    EXPECT_FALSE(readFile(scratch / "none.d", text));
+    EXPECT_EQ(text, "");
+    text = "left over";
+    EXPECT_FALSE(readFile(scratch.path(), text));
+    EXPECT_EQ(text, "");
+}
+
 // Sets or clears an environment variable for the life of the object.
 class EnvironmentVariable {
 public:

@@ -3,7 +3,21 @@
 #include <string_view>
 #include <vector>
 
+bool isPlainPath(std::string_view text) {
+    if (text.empty() || text == "/")
+        return true;
+    if (text.front() == '.' || text.back() == '/')
+        return false;
+    for (std::size_t i = 0; i + 1 < text.size(); ++i)
+        if (text[i] == '/' && (text[i + 1] == '/' || text[i + 1] == '.'))
+            return false;
+    return true;
+}
+
 bool normalisePath(std::string &text) {
+    // Most paths have nothing to remove.
+    if (isPlainPath(text))
+        return false;
     std::vector<std::string_view> parts;
     int levels = 0;  // real directory levels in `parts`, which ".." may remove
     bool changed = false;

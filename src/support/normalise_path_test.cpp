@@ -48,6 +48,22 @@ TEST(NormalisePath, IsStable) {
     }
 }
 
+TEST(NormalisePath, APlainPathIsOneThatNothingChanges) {
+    // Whatever the quick look calls plain, normalising leaves alone.
+    for (const Case &c : cases) {
+        std::string text = c.text;
+        if (isPlainPath(c.text)) {
+            EXPECT_FALSE(normalisePath(text)) << "\"" << c.text << "\"";
+        }
+    }
+    EXPECT_TRUE(isPlainPath("/usr/include/stdio.h"));
+    EXPECT_TRUE(isPlainPath("a/b"));
+    EXPECT_TRUE(isPlainPath(""));
+    EXPECT_TRUE(isPlainPath("/"));
+    for (const char *text : {"./a", "a/", "a//b", "/a/./b", "/a/../b", "a/..", ".", ".."})
+        EXPECT_FALSE(isPlainPath(text)) << "\"" << text << "\"";
+}
+
 TEST(NormalisePath, DeepPathsWork) {
     std::string deep;
     for (int i = 0; i < 100000; ++i)

@@ -1,0 +1,72 @@
+#include "support/file_status_cache.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/test_directory.h"
+
+namespace {
+
+void setModified(const std::string &file, time_t seconds) {
+    const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+}
+
+TEST(FileStatusCache, OffEveryQuestionSeesTheFileAsItIsNow) {
+    TestDirectory directory;
+    const std::string file = directory.write("a.h", "12345");
+    setModified(file, 1600000000);
+    FileStatusCache cache;
+    EXPECT_FALSE(cache.isEnabled());
+    FileStatus status = cache.status(file);
+    EXPECT_TRUE(status.exists);
+    EXPECT_EQ(status.size, 5);
+    EXPECT_EQ(status.lastModified, FileTime(1600000000, 0));
+
+    setModified(file, 1600000009);
+    EXPECT_EQ(cache.status(file).lastModified, FileTime(1600000009, 0));
+    ASSERT_EQ(unlink(file.c_str()), 0);
+    status = cache.status(file);
+    EXPECT_FALSE(status.exists);
+    EXPECT_EQ(status.size, 0);
+    EXPECT_FALSE(status.lastModified.isValid());
+}
+
+TEST(FileStatusCache, OnEachPathIsReadOnceUntilCleared) {
+    TestDirectory directory;
+    const std::string file = directory.write("a.h", "x");
+    const std::string missing = directory / "b.h";
+    setModified(file, 1600000000);
+    FileStatusCache cache;
+    cache.setEnabled(true);
+    EXPECT_EQ(cache.status(file).lastModified, FileTime(1600000000, 0));
+    EXPECT_FALSE(cache.status(missing).exists);
+
+    // Changes after the first question go unseen: the path isn't read again.
+    setModified(file, 1600000009);
+    directory.write("b.h", "now here");
+    EXPECT_EQ(cache.status(file).lastModified, FileTime(1600000000, 0));
+    EXPECT_FALSE(cache.status(missing).exists);
+
+    // Until the cache forgets, as it does when files may have changed.
+    cache.clear();
+    EXPECT_EQ(cache.status(file).lastModified, FileTime(1600000009, 0));
+    EXPECT_TRUE(cache.status(missing).exists);
+    EXPECT_EQ(cache.status(missing).size, 8);
+
+    // Turning it off and on again forgets too.
+    setModified(file, 1600000020);
+    cache.setEnabled(false);
+    cache.setEnabled(true);
+    EXPECT_EQ(cache.status(file).lastModified, FileTime(1600000020, 0));
+}
+
+TEST(FileStatusCache, ReadFileStatusOfADirectoryAndAnEmptyPath) {
+    TestDirectory directory;
+    EXPECT_TRUE(readFileStatus(directory.path()).exists);
+    EXPECT_FALSE(readFileStatus("").exists);
+}
+
+}  // namespace

@@ -38,12 +38,15 @@ bool StandardProjectSystem::inputsAreOlder(const std::string &directory, const s
                                            Builder *builder, bool quiet) {
     const bool explain = !quiet && builder;
     for (const std::string &input : inputs) {
-        // Dependency files mostly name absolute paths that need no work.
+        // Dependency files mostly name absolute paths that need no work,
+        // and the same headers again and again: a path that is in the cache
+        // as it stands is normalised already.
         std::string resolved;
-        const std::string &path = !isRelativePath(input) && isPlainPath(input)
+        const FileStatus *known = isRelativePath(input) ? nullptr : fileStatus_.find(input);
+        const std::string &path = known || (!isRelativePath(input) && isPlainPath(input))
                                       ? input
                                       : (resolved = absolutePathFrom(directory, input));
-        const FileStatus info = fileStatus_.status(path);
+        const FileStatus info = known ? *known : fileStatus_.status(path);
         if (!info.exists) {
             if (explain)
                 builder->reportDetail(path + " does not exist.");

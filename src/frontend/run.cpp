@@ -238,7 +238,10 @@ int run(int argc, char **argv) {
         std::fprintf(stderr, "There were %d build errors\n", result.errors);
         endProgram(1);
     }
-    return 0;
+    // The tree and the caches of the build are left to the end of the
+    // process: freeing a large solution node by node costs a tenth of a
+    // build that has nothing to do.
+    endProgram(0);
 }
 
 }  // namespace

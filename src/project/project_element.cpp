@@ -3,7 +3,9 @@
 #include "project/tree_walk.h"
 
 ProjectElement::ProjectElement(std::string_view tag, ProjectSystem *system, SystemMacros *macroTable)
-    : XMLElement(tag), nodeKind(kindOfTag(tag)), projectSystem(system), macros(macroTable) {}
+    : XMLElement(tag), nodeKind(kindOfTag(tag)), projectSystem(system), macros(macroTable) {
+    setClassMark(classMark);
+}
 
 ProjectElement::~ProjectElement() = default;
 

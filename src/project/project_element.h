@@ -40,8 +40,10 @@ public:
 
     // The node as a ProjectElement, or null for text nodes and for plain
     // elements that some other code linked into the tree.
+    // The mark that every ProjectElement carries (see XMLNode::classMark).
+    static constexpr std::uint8_t classMark = 1;
     static ProjectElement *from(XMLNode *node) {
-        return node && node->isElement() ? dynamic_cast<ProjectElement *>(node) : nullptr;
+        return node && node->classMark() == classMark ? static_cast<ProjectElement *>(node) : nullptr;
     }
 
     // The key of a configuration node in its parent's map: its Name, else

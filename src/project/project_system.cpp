@@ -252,12 +252,15 @@ void ProjectSystem::setAttribute(ProjectElement *element, std::string_view name,
     if (!element)
         return;
     element->XMLElement::setAttribute(name, value);
+    storedProperties_.root = nullptr;  // the element may be a store
     markModified(element);
 }
 
 void ProjectSystem::removeAttribute(ProjectElement *element, std::string_view name) {
-    if (element && element->removeAttribute(name))
+    if (element && element->removeAttribute(name)) {
+        storedProperties_.root = nullptr;
         markModified(element);
+    }
 }
 
 void ProjectSystem::setName(ProjectElement *element, const std::string &name) {

@@ -14,6 +14,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 class PropertyClass;
@@ -376,7 +378,12 @@ public:
                                     const std::string &configuration, const MacroMap &extra);
     // The one-entry cache of projectMacros, on for the time of a build.
     void setMacroCacheEnabled(bool enabled);
-    void dropMacroCache() { macroCache_.element = nullptr; }
+    // Called on any change to the tree or its values: drops what the caches
+    // of a build (macro source, stored property names) may have kept.
+    void dropMacroCache() {
+        macroCache_.element = nullptr;
+        storedProperties_.root = nullptr;
+    }
 
     // ---- Configurations.
 
@@ -483,6 +490,19 @@ private:
     std::shared_ptr<ProjectMacroSource> cachedMacroSource(ProjectElement *element,
                                                           const std::string &configuration);
 
+    // While the macro cache is on (the time of a build): which properties
+    // some configuration store of a tree holds. Most properties that a build
+    // asks of a file are stored nowhere, and have their default without a
+    // walk up the tree.
+    struct StoredProperties {
+        const ProjectElement *root = nullptr;  // the tree the names are of
+        std::unordered_set<std::string> names;
+        std::unordered_map<const PropertyClass *, bool> answers;
+    };
+    // False if no store of the element's tree holds the property; true
+    // when it may be held, and always while the cache is off.
+    bool mayBeStored(ProjectElement *element, const PropertyClass *property);
+
     bool readStore(ProjectElement *element, const std::string &name, PropertyClass *property,
                    std::optional<std::string> &acc, PropertyTrace *trace);
     const StringList *inheritedList(ProjectElement *element, const std::string &configuration);
@@ -490,6 +510,7 @@ private:
     bool writeSolution(ProjectElement *solutionElement, const std::string &fileName, bool sorted);
 
     MacroCache macroCache_;
+    StoredProperties storedProperties_;
     std::unique_ptr<PropertyGroupFiles> groupFiles_;
     // The file type of each ".xml" file met, by absolute path: its document
     // type is read once.

@@ -3,6 +3,7 @@
 
 #include "project/macro_expansion.h"
 #include "project/project_system.h"
+#include "project/tree_walk.h"
 #include "project/text_split.h"
 
 namespace {
@@ -32,6 +33,30 @@ bool ProjectSystem::readStore(ProjectElement *element, const std::string &name,
     return true;
 }
 
+bool ProjectSystem::mayBeStored(ProjectElement *element, const PropertyClass *property) {
+    if (!macroCache_.enabled || !element)
+        return true;
+    ProjectElement *root = element;
+    while (ProjectElement *up = parent(root))
+        root = up;
+    StoredProperties &stored = storedProperties_;
+    if (stored.root != root) {
+        stored.names.clear();
+        stored.answers.clear();
+        for (XMLNode *node = root; node; node = nextInSubtree(node, root, true))
+            if (const ProjectElement *e = ProjectElement::from(node))
+                for (const auto &[name, store] : e->configurations)
+                    if (store)
+                        for (const auto &[attribute, value] : store->attributes())
+                            stored.names.insert(attribute);
+        stored.root = root;
+    }
+    const auto [answer, added] = stored.answers.try_emplace(property);
+    if (added)
+        answer->second = stored.names.contains(property->name());
+    return answer->second;
+}
+
 // The inherited list of a configuration as seen from a solution: the first
 // non-empty one on the way up.
 const StringList *ProjectSystem::inheritedList(ProjectElement *solutionElement,
@@ -59,7 +84,8 @@ std::optional<std::string> ProjectSystem::getPropertyValue(ProjectElement *eleme
     ProjectElement *owner = nullptr;
     bool ownerKnown = false;
     const StringList *inherited = nullptr;
-    for (ProjectElement *e = element, *previous = nullptr; e; previous = e, e = parent(e)) {
+    ProjectElement *const start = mayBeStored(element, property) ? element : nullptr;
+    for (ProjectElement *e = start, *previous = nullptr; e; previous = e, e = parent(e)) {
         if (ownerKnown && previous == owner)
             ownerKnown = false;
         if (e->configurations.empty())

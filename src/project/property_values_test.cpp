@@ -328,4 +328,30 @@ TEST(PropertyValues, SettingValues) {
     EXPECT_EQ(system.undoList.size(), 3u);
 }
 
+// While a build's caches are on, a property that no store of the tree holds
+// is answered by its default without the walk; any write brings the walk
+// back.
+TEST(PropertyValues, ABuildSeesValuesStoredAnywhereAndWrittenDuringIt) {
+    TestProjectSystem system;
+    system.load(everyStore);
+    ProjectElement *file = ProjectSystem::findFileByPath(system.solution, "a.c");
+    ProjectElement *folder = ProjectSystem::parent(ProjectSystem::parent(file));
+    PropertyClass stored = textProperty(PropertyClass::String);
+    PropertyClass y("y", PropertyClass::String, "", "", "", "", "none");
+    PropertyClass z("z", PropertyClass::String, "", "", "", "", "none");
+    system.setMacroCacheEnabled(true);
+    EXPECT_EQ(system.getPropertyValue(file, &stored, "Debug"), "fD");
+    EXPECT_EQ(system.getPropertyValue(folder, &stored, "Release"), "foC");
+    EXPECT_EQ(system.getPropertyValue(file, &y, "Debug"), "none");
+
+    system.setPropertyValue(folder, &y, "Common", "set");
+    EXPECT_EQ(system.getPropertyValue(file, &y, "Debug"), "set");
+    EXPECT_EQ(system.getPropertyValue(file, &z, "Debug"), "none");
+    system.setAttribute(ProjectElement::from(folder->firstChild), "z", "raw");
+    EXPECT_EQ(system.getPropertyValue(file, &z, "Debug"), "raw");
+    system.clearPropertyValue(folder, &y, "Common");
+    EXPECT_EQ(system.getPropertyValue(file, &y, "Debug"), "none");
+    system.setMacroCacheEnabled(false);
+}
+
 } // namespace

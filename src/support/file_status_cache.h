@@ -30,6 +30,13 @@ public:
     // The status of a path as given: callers pass normalised absolute paths,
     // so that a file has one entry.
     FileStatus status(const std::string &path);
+    // The status read before for a path as given, or null if there is none
+    // (or the cache is off). A path found here is one that a caller passed
+    // normalised.
+    const FileStatus *find(const std::string &path) const {
+        const auto entry = entries_.find(path);
+        return entry == entries_.end() ? nullptr : &entry->second;
+    }
 
 private:
     bool enabled_ = false;

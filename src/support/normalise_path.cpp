@@ -1,5 +1,6 @@
 #include "support/normalise_path.h"
 
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -8,9 +9,15 @@ bool isPlainPath(std::string_view text) {
         return true;
     if (text.front() == '.' || text.back() == '/')
         return false;
-    for (std::size_t i = 0; i + 1 < text.size(); ++i)
-        if (text[i] == '/' && (text[i + 1] == '/' || text[i + 1] == '.'))
+    // Only what follows a separator can be "/", "." or "..": jump from one
+    // separator to the next.
+    const char *at = text.data();
+    const char *const end = at + text.size();
+    while ((at = static_cast<const char *>(std::memchr(at, '/', std::size_t(end - at)))) && at + 1 < end) {
+        if (at[1] == '/' || at[1] == '.')
             return false;
+        ++at;
+    }
     return true;
 }
 

@@ -32,6 +32,10 @@ public:
 
     Kind kind() const { return kind_; }
     bool isElement() const { return kind_ == Kind::Element; }
+    // A mark that a class derived from XMLElement sets on its nodes, so that
+    // a checked downcast on a hot path needs no dynamic_cast; 0 for a plain
+    // node.
+    std::uint8_t classMark() const { return classMark_; }
     // This node as an element, or null if it is text of some kind.
     XMLElement *toElement();
     const XMLElement *toElement() const;
@@ -44,9 +48,11 @@ public:
 
 protected:
     explicit XMLNode(Kind kind) : kind_(kind) {}
+    void setClassMark(std::uint8_t mark) { classMark_ = mark; }
 
 private:
     Kind kind_;
+    std::uint8_t classMark_ = 0;
 };
 
 // The common form of the three text nodes: character data, comments and

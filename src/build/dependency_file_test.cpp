@@ -67,4 +67,23 @@ TEST(DependencyFile, NothingGivesNoRules) {
     EXPECT_TRUE(parseDependencyRules("\n \n\\\n").empty());
 }
 
+// Names are scanned eight bytes at a time: an escape or a blank is found
+// wherever it falls in a word, and a name may end anywhere.
+TEST(DependencyFile, EscapesAndBlanksAtEveryPlaceInALongName) {
+    const std::string stem = "/usr/include/x86_64-linux-gnu/bits";
+    for (std::size_t at = 0; at <= stem.size(); ++at) {
+        const std::string before = stem.substr(0, at), after = stem.substr(at);
+        for (const auto &[written, read] :
+             {std::pair<std::string, std::string>{"\\ ", " "}, {"$$", "$"}, {"\\#", "#"}, {"\\x", "\\x"}}) {
+            // The last name ends with the text, at every length.
+            const auto rules = parseDependencyRules("t.o: " + before + written + after + "\tz.h " + before);
+            std::vector<std::string> expected{before + read + after, "z.h"};
+            if (!before.empty())
+                expected.push_back(before);
+            ASSERT_EQ(rules.size(), 1u);
+            EXPECT_EQ(rules[0].prerequisites, expected) << written << " at " << at;
+        }
+    }
+}
+
 }  // namespace

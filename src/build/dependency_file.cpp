@@ -1,42 +1,21 @@
 #include "build/dependency_file.h"
 
-#include <bit>
-#include <cstdint>
 #include <cstring>
 
 namespace {
 
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
-// The characters that end a plain run of a name: blanks and the two that
-// may escape something.
-bool endsPlainRun(char c) { return c == ' ' || c == '\t' || c == '\\' || c == '$'; }
-
-// The bytes of `word` that equal `c`: the first (lowest) one found is exact;
-// marks above it may be wrong, which the caller doesn't look at.
-std::uint64_t bytesEqual(std::uint64_t word, unsigned char c) {
-    constexpr std::uint64_t ones = 0x0101010101010101ull;
-    const std::uint64_t x = word ^ (ones * c);
-    return (x - ones) & ~x & (ones << 7);
-}
-
-// The end of the plain run of a name from `start`. This scan reads every
-// byte of every dependency file of a build, so it looks at eight at a time.
+// The end of the run of a name from `start` that holds no blank and neither
+// of the two characters that may escape something. This scan reads every
+// byte of every dependency file of a build, so it goes by memchr.
 std::size_t plainRunEnd(std::string_view text, std::size_t start) {
-    std::size_t i = start;
-    if constexpr (std::endian::native == std::endian::little) {
-        for (; i + 8 <= text.size(); i += 8) {
-            std::uint64_t word;
-            std::memcpy(&word, text.data() + i, 8);
-            const std::uint64_t stops = bytesEqual(word, ' ') | bytesEqual(word, '\t') |
-                                        bytesEqual(word, '\\') | bytesEqual(word, '$');
-            if (stops)
-                return i + std::size_t(std::countr_zero(stops)) / 8;
-        }
-    }
-    while (i < text.size() && !endsPlainRun(text[i]))
-        ++i;
-    return i;
+    const char *const begin = text.data() + start;
+    const char *stop = text.data() + text.size();
+    for (const char c : {' ', '\t', '\\', '$'})
+        if (const void *found = std::memchr(begin, c, std::size_t(stop - begin)))
+            stop = static_cast<const char *>(found);
+    return std::size_t(stop - text.data());
 }
 
 }  // namespace

@@ -67,8 +67,8 @@ TEST(DependencyFile, NothingGivesNoRules) {
     EXPECT_TRUE(parseDependencyRules("\n \n\\\n").empty());
 }
 
-// Names are scanned eight bytes at a time: an escape or a blank is found
-// wherever it falls in a word, and a name may end anywhere.
+// Names are scanned in runs: an escape or a blank is found wherever it falls
+// in a name, and a name may end anywhere.
 TEST(DependencyFile, EscapesAndBlanksAtEveryPlaceInALongName) {
     const std::string stem = "/usr/include/x86_64-linux-gnu/bits";
     for (std::size_t at = 0; at <= stem.size(); ++at) {

@@ -37,6 +37,7 @@ bool StandardProjectSystem::inputsAreOlder(const std::string &directory, const s
                                            FileTime targetTime, const StringList &inputs,
                                            Builder *builder, bool quiet) {
     const bool explain = !quiet && builder;
+    const FileTime now = explain ? FileTime::now() : FileTime();
     for (const std::string &input : inputs) {
         // Dependency files mostly name absolute paths that need no work,
         // and the same headers again and again: a path that is in the cache
@@ -55,7 +56,7 @@ bool StandardProjectSystem::inputsAreOlder(const std::string &directory, const s
         const FileTime time = info.lastModified;
         // A file from the future is only worth a word: its time still
         // decides below.
-        if (explain && time > FileTime::now())
+        if (explain && time > now)
             builder->reportDetail("clock skew detected on " + input + ".");
         if (time.laterInSecondsThan(targetTime)) {
             if (explain)
@@ -131,10 +132,10 @@ const StringList &StandardProjectSystem::fileDependencies(ProjectElement *elemen
     if (dependencyCache_.enabled) {
         const auto [cached, added] = dependencyCache_.texts.try_emplace(std::make_pair(element, output));
         if (added)
-            readFile(dependencyFilePath(element, configuration, output), cached->second);
+            fileStatus_.readFile(dependencyFilePath(element, configuration, output), cached->second);
         text = &cached->second;
     } else {
-        readFile(dependencyFilePath(element, configuration, output), uncached);
+        fileStatus_.readFile(dependencyFilePath(element, configuration, output), uncached);
     }
 
     // The answer's strings are assigned, not made anew, so that their room is

@@ -74,12 +74,20 @@ void ProjectSystem::resolvePaths(ProjectElement *element, const std::string &con
         }
         element->filePath = FilePath(fullName);
 
-        const std::string directory = element->filePath.path(true);
-        std::string relative;
-        element->insideBaseDirectory =
-            !base.empty() &&
-            (FilePath(directory) == FilePath(base) ||
-             (relativePath(base, directory, relative) && !relative.starts_with("..")));
+        // A relative name that never goes up stays inside the base; only
+        // the others need the comparison of paths.
+        const bool goesUp = name == ".." || name.starts_with("../") ||
+                            name.find("/../") != std::string::npos || name.ends_with("/..");
+        if (element->nameIsRelative && !goesUp) {
+            element->insideBaseDirectory = !base.empty();
+        } else {
+            const std::string directory = element->filePath.path(true);
+            std::string relative;
+            element->insideBaseDirectory =
+                !base.empty() &&
+                (FilePath(directory) == FilePath(base) ||
+                 (relativePath(base, directory, relative) && !relative.starts_with("..")));
+        }
         element->pathsValid = true;
         return;
     }

@@ -69,4 +69,39 @@ TEST(FileStatusCache, ReadFileStatusOfADirectoryAndAnEmptyPath) {
     EXPECT_FALSE(readFileStatus("").exists);
 }
 
+// On, files are found from their open directories: a directory removed and
+// made anew is seen as new once the cache is cleared, files are read from
+// it, and beyond the bound on open directories paths are looked up whole.
+TEST(FileStatusCache, FilesAreFoundFromTheirDirectoriesWhichClearingReopens) {
+    TestDirectory directory;
+    const std::string file = directory.write("obj/a.d", "a.o: a.c\n");
+    FileStatusCache cache;
+    cache.setEnabled(true);
+    std::string text;
+    EXPECT_TRUE(cache.readFile(file, text));
+    EXPECT_EQ(text, "a.o: a.c\n");
+    EXPECT_TRUE(cache.status(file).exists);
+
+    ASSERT_EQ(unlink(file.c_str()), 0);
+    ASSERT_EQ(rmdir((directory / "obj").c_str()), 0);
+    directory.write("obj/a.d", "again\n");
+    directory.write("obj/b.d", "b\n");
+    cache.clear();
+    EXPECT_TRUE(cache.status(directory / "obj/b.d").exists);
+    EXPECT_TRUE(cache.readFile(file, text));
+    EXPECT_EQ(text, "again\n");
+    EXPECT_FALSE(cache.readFile(directory / "obj/none.d", text));
+    EXPECT_FALSE(cache.status(directory / "none/x.d").exists);
+    // A relative path is taken from the working directory, as stat() does.
+    EXPECT_FALSE(cache.status("no-such-dir/x.d").exists);
+
+    for (int i = 0; i < 300; ++i) {
+        const std::string name = "d" + std::to_string(i) + "/f.d";
+        directory.write(name, std::to_string(i));
+        EXPECT_TRUE(cache.status(directory / name).exists) << name;
+        EXPECT_TRUE(cache.readFile(directory / name, text)) << name;
+        EXPECT_EQ(text, std::to_string(i));
+    }
+}
+
 }  // namespace

@@ -47,8 +47,12 @@ bool makeDirectories(const std::string &directory) {
 }
 
 bool readFile(const std::string &path, std::string &text) {
+    return readFileAt(AT_FDCWD, path.c_str(), text);
+}
+
+bool readFileAt(int directory, const char *name, std::string &text) {
     text.clear();
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int descriptor = openat(directory, name, O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
         return false;
     struct stat status;

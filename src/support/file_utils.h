@@ -13,6 +13,8 @@ bool makeDirectories(const std::string &directory);
 // gives, mostly in one read, anything else to its end; false (and `text`
 // empty) if it can't be opened or read.
 bool readFile(const std::string &path, std::string &text);
+// The same for a name relative to an open directory (or AT_FDCWD).
+bool readFileAt(int directory, const char *name, std::string &text);
 
 // Removes a file; true on success.
 bool removeFile(const std::string &path);

@@ -125,12 +125,12 @@ bool NodeBuild::compile(int kind) {
     const bool exists = system.checkTarget(projectDirectory, target, resolved, targetTime, builder,
                                            quiet, true);
     bool run = force || !exists;
+    const StringList sourceOnly{source};
     if (!run)
-        run = !system.inputsAreOlder(projectDirectory, target, targetTime, {source}, builder, quiet);
+        run = !system.inputsAreOlder(projectDirectory, target, targetTime, sourceOnly, builder, quiet);
     if (!run) {
         // The dependency file's list (or the source alone), then the forced
         // include files; the list is the cache's own, not a copy.
-        const StringList sourceOnly{source};
         const StringList &dependencies = system.fileDependencies(element, configuration, resolved);
         StringList forced;
         system.forcedIncludeFiles(element, configuration, forced);

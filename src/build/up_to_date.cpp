@@ -38,16 +38,18 @@ bool StandardProjectSystem::inputsAreOlder(const std::string &directory, const s
                                            Builder *builder, bool quiet) {
     const bool explain = !quiet && builder;
     const FileTime now = explain ? FileTime::now() : FileTime();
-    for (const std::string &input : inputs) {
+    for (std::size_t position = 0; position < inputs.size(); ++position) {
+        const std::string &input = inputs[position];
         // Dependency files mostly name absolute paths that need no work,
-        // and the same headers again and again: a path that is in the cache
-        // as it stands is normalised already.
+        // and the same headers again and again: a path that was read as it
+        // stands is normalised already.
+        const bool absolute = !isRelativePath(input);
+        const FileStatus *known = absolute ? fileStatus_.knownInList(position, input) : nullptr;
         std::string resolved;
-        const FileStatus *known = isRelativePath(input) ? nullptr : fileStatus_.find(input);
-        const std::string &path = known || (!isRelativePath(input) && isPlainPath(input))
+        const std::string &path = known || (absolute && isPlainPath(input))
                                       ? input
                                       : (resolved = absolutePathFrom(directory, input));
-        const FileStatus info = known ? *known : fileStatus_.status(path);
+        const FileStatus info = known ? *known : fileStatus_.statusInList(position, path);
         if (!info.exists) {
             if (explain)
                 builder->reportDetail(path + " does not exist.");

@@ -2,6 +2,7 @@
 
 #include "support/file_utils.h"
 
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,6 +25,24 @@ FileStatus statusAt(int directory, const char *name) {
 
 }  // namespace
 
+std::size_t FileStatusCache::PathHash::operator()(std::string_view path) const {
+    // Multiply and fold per word, as the mixers of common fast hashes do;
+    // the length goes into the start so that a zero-padded tail differs.
+    constexpr std::uint64_t multiplier = 0x9e3779b97f4a7c15ull;
+    std::uint64_t hash = path.size() * multiplier;
+    std::size_t i = 0;
+    for (; i + 8 <= path.size(); i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, path.data() + i, 8);
+        hash = (hash ^ word) * multiplier;
+        hash ^= hash >> 29;
+    }
+    std::uint64_t tail = 0;
+    std::memcpy(&tail, path.data() + i, path.size() - i);
+    hash = (hash ^ tail) * multiplier;
+    return std::size_t(hash ^ (hash >> 32));
+}
+
 FileStatus readFileStatus(const std::string &path) { return statusAt(AT_FDCWD, path.c_str()); }
 
 FileStatusCache::~FileStatusCache() { clear(); }
@@ -35,6 +54,7 @@ void FileStatusCache::setEnabled(bool enabled) {
 
 void FileStatusCache::clear() {
     entries_.clear();
+    listed_.clear();
     for (const auto &[path, descriptor] : directories_)
         if (descriptor >= 0)
             close(descriptor);
@@ -69,6 +89,34 @@ FileStatus FileStatusCache::status(const std::string &path) {
         entry->second = statusAt(at.directory, at.name);
     }
     return entry->second;
+}
+
+FileStatus FileStatusCache::statusInList(std::size_t position, const std::string &path) {
+    if (!enabled_)
+        return readFileStatus(path);
+    if (const FileStatus *known = knownInList(position, path))
+        return *known;
+    const FileStatus found = status(path);
+    remember(position, path, found);
+    return found;
+}
+
+const FileStatus *FileStatusCache::knownInList(std::size_t position, const std::string &path) {
+    if (position < listed_.size() && listed_[position].first == path)
+        return &listed_[position].second;
+    const FileStatus *found = find(path);
+    if (found)
+        remember(position, path, *found);
+    return found;
+}
+
+void FileStatusCache::remember(std::size_t position, const std::string &path, const FileStatus &status) {
+    if (position < listed_.size()) {
+        listed_[position].first.assign(path);  // the string's room is used again
+        listed_[position].second = status;
+    } else if (position == listed_.size()) {
+        listed_.emplace_back(path, status);
+    }
 }
 
 bool FileStatusCache::readFile(const std::string &path, std::string &text) {

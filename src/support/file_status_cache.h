@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "support/file_time.h"
 
@@ -48,6 +50,15 @@ public:
         const auto entry = entries_.find(path);
         return entry == entries_.end() ? nullptr : &entry->second;
     }
+    // For a list of paths checked in order: the status of the path at
+    // `position`, found by comparing it with the path at the same position
+    // of the lists checked before, or else as status() finds it. The
+    // dependency lists of neighbouring files mostly name the same headers in
+    // the same order, and a comparison costs less than a lookup.
+    FileStatus statusInList(std::size_t position, const std::string &path);
+    // The same without reading the file system: null if the path was not
+    // read before as it stands.
+    const FileStatus *knownInList(std::size_t position, const std::string &path);
     // Reads a whole file as readFile() does, from its open directory while
     // the cache is on. The text isn't kept.
     bool readFile(const std::string &path, std::string &text);
@@ -61,14 +72,19 @@ private:
     };
     Location locate(const std::string &path);
 
-    bool enabled_ = false;
-    std::unordered_map<std::string, FileStatus> entries_;
-    // Open directories by path; -1 for one that couldn't be opened. Bounded,
-    // so that a build over many directories doesn't run out of descriptors.
-    // Looked up by a view of the path, without a copy.
+    // A hash of paths that takes eight bytes a step: a check hashes every
+    // name of every dependency file. Looks up views as well as strings.
     struct PathHash {
         using is_transparent = void;
-        std::size_t operator()(std::string_view path) const { return std::hash<std::string_view>()(path); }
+        std::size_t operator()(std::string_view path) const;
     };
+
+    bool enabled_ = false;
+    std::unordered_map<std::string, FileStatus, PathHash, std::equal_to<>> entries_;
+    // What statusInList last answered at each position.
+    std::vector<std::pair<std::string, FileStatus>> listed_;
+    void remember(std::size_t position, const std::string &path, const FileStatus &status);
+    // Open directories by path; -1 for one that couldn't be opened. Bounded,
+    // so that a build over many directories doesn't run out of descriptors.
     std::unordered_map<std::string, int, PathHash, std::equal_to<>> directories_;
 };

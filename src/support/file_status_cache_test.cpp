@@ -104,4 +104,28 @@ TEST(FileStatusCache, FilesAreFoundFromTheirDirectoriesWhichClearingReopens) {
     }
 }
 
+// Lists checked in order answer from the list before at the same position
+// when the path is the same, and from the file system otherwise; clearing
+// forgets both.
+TEST(FileStatusCache, ListsAnswerFromTheSamePlaceOfTheListBefore) {
+    TestDirectory directory;
+    const std::string a = directory.write("a.h", "a"), b = directory.write("b.h", "bb");
+    FileStatusCache cache;
+    cache.setEnabled(true);
+    EXPECT_EQ(cache.knownInList(0, a), nullptr);
+    EXPECT_EQ(cache.statusInList(0, a).size, 1);
+    EXPECT_EQ(cache.statusInList(1, b).size, 2);
+    ASSERT_NE(cache.knownInList(0, a), nullptr);
+    // The other order: each path is found all the same, by its own entry.
+    EXPECT_EQ(cache.statusInList(0, b).size, 2);
+    EXPECT_EQ(cache.statusInList(1, a).size, 1);
+    EXPECT_EQ(cache.knownInList(5, a)->size, 1);
+
+    directory.write("a.h", "changed");
+    EXPECT_EQ(cache.statusInList(1, a).size, 1);
+    cache.clear();
+    EXPECT_EQ(cache.knownInList(1, a), nullptr);
+    EXPECT_EQ(cache.statusInList(1, a).size, 7);
+}
+
 }  // namespace

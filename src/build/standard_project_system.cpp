@@ -212,7 +212,7 @@ bool StandardProjectSystem::isUnityFolder(ProjectElement *element, const std::st
 
 void StandardProjectSystem::setDependencyCacheEnabled(bool enabled) {
     dependencyCache_.enabled = enabled;
-    dependencyCache_.texts.clear();
+    dependencyCache_.element = nullptr;
     nodeAnswers_.enabled = enabled;
     nodeAnswers_.entries.clear();
 }

@@ -72,9 +72,9 @@ public:
     // By-products of a step that a clean removes; none here.
     virtual void appendIntermediateFiles(ProjectElement *element, const std::string &configuration,
                                          int step, const std::string &output, StringList &list);
-    // The prerequisites of an output, from its dependency file; read once per
-    // build while the dependency cache is on. The list stays valid until the
-    // next call.
+    // The prerequisites of an output, from its dependency file. While the
+    // dependency cache is on, the same question asked again is answered
+    // without a read. The list stays valid until the next call.
     virtual const StringList &fileDependencies(ProjectElement *element,
                                                const std::string &configuration,
                                                const std::string &output);
@@ -283,9 +283,12 @@ private:
     NodeAnswerCache nodeAnswers_;
     struct DependencyCache {
         bool enabled = false;
-        // The text of the dependency file of an element's output.
-        std::map<std::pair<ProjectElement *, std::string>, std::string> texts;
+        // The element and output of the last answer, while the cache is on;
+        // null when there is none.
+        ProjectElement *element = nullptr;
+        std::string output;
         StringList answer;  // the last answer of fileDependencies
+        std::string text;   // the last dependency file read
     };
     DependencyCache dependencyCache_;
 };

@@ -125,20 +125,15 @@ bool StandardProjectSystem::propertiesChanged(ProjectElement *element,
 const StringList &StandardProjectSystem::fileDependencies(ProjectElement *element,
                                                           const std::string &configuration,
                                                           const std::string &output) {
-    // The cache keeps the text of each file read in this build: a second
-    // question parses it again, but the file is read once. (Keeping the
-    // texts rather than the lists costs one allocation per file, not one
-    // per name.)
-    std::string uncached;
-    const std::string *text = &uncached;
-    if (dependencyCache_.enabled) {
-        const auto [cached, added] = dependencyCache_.texts.try_emplace(std::make_pair(element, output));
-        if (added)
-            fileStatus_.readFile(dependencyFilePath(element, configuration, output), cached->second);
-        text = &cached->second;
-    } else {
-        fileStatus_.readFile(dependencyFilePath(element, configuration, output), uncached);
-    }
+    // The cache is the last answer: a build asks once per output, and a
+    // question asked again straight after needs no read. Keeping every
+    // answer of a large build would cost more memory than the reads save.
+    DependencyCache &cache = dependencyCache_;
+    if (cache.enabled && cache.element == element && cache.output == output)
+        return cache.answer;
+    cache.element = nullptr;
+    std::string &text = cache.text;  // its room is used again from file to file
+    fileStatus_.readFile(dependencyFilePath(element, configuration, output), text);
 
     // The answer's strings are assigned, not made anew, so that their room is
     // used again from one file to the next.
@@ -153,14 +148,14 @@ const StringList &StandardProjectSystem::fileDependencies(ProjectElement *elemen
             ++count;
         }
     };
-    if (!text->empty()) {
+    if (!text.empty()) {
         const std::string directory = projectDirectory(element, configuration);
         // Both sides are normalised absolute paths.
         const std::string outputPath = absolutePathFrom(directory, output);
         auto namesOutput = [&](std::string_view target) {
             return absolutePathFrom(directory, std::string(target)) == outputPath;
         };
-        DependencyRuleReader rules(*text);
+        DependencyRuleReader rules(text);
         while (rules.next()) {
             if (rules.targets().empty()) {
                 if (count == 0)
@@ -171,6 +166,10 @@ const StringList &StandardProjectSystem::fileDependencies(ProjectElement *elemen
         }
     }
     result.resize(count);
+    if (cache.enabled) {
+        cache.element = element;
+        cache.output = output;
+    }
     return result;
 }
 

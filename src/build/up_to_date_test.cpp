@@ -115,7 +115,7 @@ TEST_F(UpToDate, AnOptionFileNewerThanTheObjectRebuilds) {
                                          "end", "message step 2 obj/main.o @/obj/main.o <- @/main.c"}));
 }
 
-TEST_F(UpToDate, FileDependenciesAreReadOncePerBuild) {
+TEST_F(UpToDate, FileDependenciesKeepTheLastAnswerWhileTheCacheIsOn) {
     const std::string output = directory / "obj/main.o";
     file("obj/main.d", "main.c a.h\n", baseTime);
     system.setDependencyCacheEnabled(true);

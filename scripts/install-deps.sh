@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building and testing quillmake need.
-# Usage: scripts/install-deps.sh [--fuzz]
+# Usage: scripts/install-deps.sh [--fuzz | --coverage]
 # Only missing packages are installed; apt runs as root (through sudo if need be).
 set -euo pipefail
 
 packages=(g++ cmake ninja-build libgtest-dev zlib1g-dev libbz2-dev)
-if [[ "${1:-}" == "--fuzz" ]]; then
-  packages+=(clang-14 libclang-rt-14-dev)
-fi
+case "${1:-}" in
+  --fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;
+  --coverage) packages+=(gcovr) ;;
+esac
 
 missing=()
 for p in "${packages[@]}"; do

@@ -1,8 +1,8 @@
 // buildElement: the walk over a node and its children, and the branches for
 // source files (compile and assemble) and for externally built projects.
 
-#include "build/command_line.h"
 #include "build/node_build.h"
+#include "support/command_line.h"
 #include "support/file_info.h"
 
 #include <vector>

@@ -3,7 +3,7 @@
 
 #include "build/standard_project_system.h"
 
-#include "build/command_line.h"
+#include "support/command_line.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
 // Links and archives: their inputs, checks, user commands and the external
 // link and archive commands.
 
-#include "build/command_line.h"
 #include "build/node_build.h"
 #include "build/sibling_walk.h"
+#include "support/command_line.h"
 #include "support/file_info.h"
 #include "support/file_path.h"
 #include "support/file_utils.h"

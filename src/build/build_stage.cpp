@@ -1,8 +1,8 @@
 // Staging (copying files to their place) and combining (one command over
 // all files of a project).
 
-#include "build/command_line.h"
 #include "build/node_build.h"
+#include "support/command_line.h"
 #include "support/file_utils.h"
 #include "support/paths.h"
 

@@ -2,9 +2,9 @@
 // an export.
 
 #include "build/builder.h"
-#include "build/command_line.h"
 #include "build/idler.h"
 #include "build/standard_project_system.h"
+#include "support/command_line.h"
 #include "support/file_info.h"
 #include "support/file_utils.h"
 

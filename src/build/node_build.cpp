@@ -2,7 +2,7 @@
 
 #include "build/node_build.h"
 
-#include "build/command_line.h"
+#include "support/command_line.h"
 #include "support/file_info.h"
 #include "support/paths.h"
 

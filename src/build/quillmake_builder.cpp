@@ -1,8 +1,8 @@
 #include "build/quillmake_builder.h"
 
-#include "build/command_line.h"
 #include "build/project_system_builder.h"
 #include "build/standard_project_system.h"
+#include "environment/install_location.h"
 #include "support/file_utils.h"
 
 #include <csignal>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "build/builder.h"
-#include "build/process.h"
+#include "support/process.h"
 
 #include <cstdio>
 #include <optional>

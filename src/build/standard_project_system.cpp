@@ -4,9 +4,9 @@
 #include "build/standard_project_system.h"
 
 #include "build/builder.h"
-#include "project/macro_expansion.h"
 #include "support/file_info.h"
 #include "support/file_path.h"
+#include "support/macro_expansion.h"
 
 StandardProjectSystem::StandardProjectSystem(SystemMacros *macroTable)
     : ProjectSystem(macroTable), toolProperties(propertyClasses) {}

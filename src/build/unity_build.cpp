@@ -1,9 +1,9 @@
 // Unity builds: a folder's files compiled as one translation unit, through a
 // generated file that includes each of them.
 
-#include "build/command_line.h"
 #include "build/node_build.h"
 #include "build/sibling_walk.h"
+#include "support/command_line.h"
 #include "support/file_info.h"
 #include "support/file_utils.h"
 

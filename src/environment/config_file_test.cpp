@@ -1,7 +1,7 @@
 #include "environment/config_file.h"
 
-#include "environment/scoped_variable.h"
 #include "environment/system_macros.h"
+#include "environment/user_environment.h"
 #include "project/xml/qxml_document.h"
 #include "support/test_directory.h"
 #include "support/trace.h"

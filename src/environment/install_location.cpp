@@ -2,6 +2,7 @@
 
 #include "support/file_path.h"
 
+#include <array>
 #include <climits>
 #include <cstdlib>
 #include <unistd.h>
@@ -58,3 +59,13 @@ void setInstallDirectories(const std::string &executable, int levelsUp) {
 
 const std::string &installDirectory() { return installDir().text(); }
 const std::string &binDirectory() { return binDir().text(); }
+
+std::string toolPath(const std::string &name) {
+    static constexpr std::array<std::string_view, 8> installedTools = {
+        "cp", "treedup", "preamblegen", "chmod", "rm", "mv", "mkdir", "echo"};
+    for (std::string_view tool : installedTools) {
+        if (name == tool)
+            return installDirectory() + "/bin/" + name;
+    }
+    return name;
+}

@@ -18,3 +18,8 @@ void setInstallDirectories(const std::string &executable, int levelsUp);
 // The stored directories, normalised; empty before setInstallDirectories.
 const std::string &installDirectory();
 const std::string &binDirectory();
+
+// The program to run for a command whose first argument is `name`: the
+// installation's own copy for the few tools it carries, else `name` as it
+// stands, for execvp to look up on the path.
+std::string toolPath(const std::string &name);

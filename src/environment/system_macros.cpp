@@ -2,7 +2,6 @@
 
 #include "environment/user_directories.h"
 #include "environment/version.h"
-#include "project/macro_expansion.h"
 #include "support/exceptions.h"
 #include "support/file_path.h"
 #include "support/file_utils.h"
@@ -100,8 +99,8 @@ SystemMacros::~SystemMacros() = default;
 void SystemMacros::addSystemMacro(const std::string &name, const std::string &value,
                                   const std::string &description) {
     if (!description.empty())
-        macroDescriptions_.push_back(std::make_unique<MacroPropertyClass>(name, true, description));
-    systemMacros_[name] = value;
+        macroDescriptions_.push_back({name, description});
+    systemMacros()[name] = value;
 }
 
 void SystemMacros::addPathSystemMacro(const std::string &name, const FilePath &path,

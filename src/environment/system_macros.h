@@ -1,23 +1,22 @@
 #pragma once
 
-#include "project/macro_property_class.h"
+#include "support/macro_expansion.h"
 
-#include <functional>
-#include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
 class FilePath;
 
-// A macro table: name to value, sorted by name. Names are compared exactly,
-// with case; look-ups by string_view don't allocate.
-using MacroMap = std::map<std::string, std::string, std::less<>>;
+// A described system macro, as a property listing shows it.
+struct MacroDescription {
+    std::string name;
+    std::string description;
+};
 
 // The macros that hold for the whole process: the system macros (host,
 // clock, studio and packages values) and the user's global macros. One table
 // is made at start-up and handed to everything that expands macros.
-class SystemMacros {
+class SystemMacros : public MacroTable {
 public:
     // Fills the host and clock macros.
     SystemMacros();
@@ -34,20 +33,10 @@ public:
                             const std::string &description);
 
     // The described macros, in the order they were added, for listings.
-    const std::vector<std::unique_ptr<MacroPropertyClass>> &macroDescriptions() const {
-        return macroDescriptions_;
-    }
-    const MacroMap &systemMacros() const { return systemMacros_; }
-    const MacroMap &globalMacros() const { return globalMacros_; }
-    MacroMap &globalMacros() { return globalMacros_; }
-    // The character that opens a macro reference.
-    char macroCharacter() const { return macroCharacter_; }
+    const std::vector<MacroDescription> &macroDescriptions() const { return macroDescriptions_; }
 
 private:
-    std::vector<std::unique_ptr<MacroPropertyClass>> macroDescriptions_;
-    MacroMap systemMacros_;
-    MacroMap globalMacros_;
-    char macroCharacter_ = '$';
+    std::vector<MacroDescription> macroDescriptions_;
 };
 
 // Adds the studio macros: version, names, $(StudioDir) from `studioDir`,

@@ -1,9 +1,9 @@
 #include "environment/system_macros.h"
 
-#include "environment/scoped_variable.h"
-#include "project/macro_expansion.h"
+#include "environment/user_environment.h"
 #include "support/exceptions.h"
 #include "support/file_path.h"
+#include "support/macro_expansion.h"
 #include "support/test_directory.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ Described descriptions(const SystemMacros &macros, size_t from = 0) {
     Described result;
     const auto &all = macros.macroDescriptions();
     for (size_t i = from; i < all.size(); ++i)
-        result.emplace_back(all[i]->macroName(), all[i]->longText());
+        result.emplace_back(all[i].name, all[i].description);
     return result;
 }
 
@@ -77,16 +77,6 @@ TEST(SystemMacros, StageOneTable) {
     EXPECT_EQ(table.at("HostArchClass"), "arm");
 #endif
     EXPECT_TRUE(macros.globalMacros().empty());
-}
-
-TEST(SystemMacros, DescriptionsAreSystemMacroProperties) {
-    SystemMacros macros;
-    const MacroPropertyClass &first = *macros.macroDescriptions().front();
-    EXPECT_EQ(first.name(), "$(Date)");
-    EXPECT_EQ(first.shortText(), "$(Date)");
-    EXPECT_EQ(first.type(), PropertyClass::String);
-    EXPECT_EQ(first.page(), "Properties");
-    EXPECT_EQ(first.group(), "System Macro Values");
 }
 
 TEST(SystemMacros, AddingReplacesTheValueAndDescribesAgain) {

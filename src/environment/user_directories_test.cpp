@@ -1,6 +1,6 @@
 #include "environment/user_directories.h"
 
-#include "environment/scoped_variable.h"
+#include "environment/user_environment.h"
 
 #include <gtest/gtest.h>
 

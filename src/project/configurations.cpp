@@ -2,7 +2,7 @@
 // inherit, and which a batch build takes.
 
 #include "project/project_system.h"
-#include "project/text_split.h"
+#include "support/text_split.h"
 
 #include <algorithm>
 #include <cctype>

@@ -4,8 +4,8 @@
 #include "project/project_load_progress_interface.h"
 #include "project/project_system.h"
 #include "project/project_system_helpers.h"
-#include "project/text_split.h"
 #include "support/file_info.h"
+#include "support/text_split.h"
 
 #include <algorithm>
 #include <dirent.h>

@@ -1,9 +1,9 @@
 // The generic option file of a node: which one applies, reading it once, and
 // switching the active set.
 
-#include "project/macro_expansion.h"
 #include "project/project_system.h"
 #include "project/xml/xmlpp2.h"
+#include "support/macro_expansion.h"
 #include "support/normalise_path.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/macro_expansion.h"
+#include "support/macro_expansion.h"
 
 #include <array>
 #include <optional>

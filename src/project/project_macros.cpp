@@ -1,10 +1,10 @@
 // The macros of a node: what $(ProjectDir), $(InputPath), $(OutDir) and
 // their kin stand for when a property of that node is expanded.
 
-#include "project/macro_expansion.h"
 #include "project/project_macro_source.h"
 #include "project/project_system.h"
 #include "support/file_info.h"
+#include "support/macro_expansion.h"
 #include "support/paths.h"
 
 std::string ProjectSystem::expandGlobalMacros(const std::string &text) const {

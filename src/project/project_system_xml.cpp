@@ -3,7 +3,7 @@
 #include "project/project_load_progress_interface.h"
 
 XMLElement *ProjectSystemXMLPP2::createElement(std::string_view tagName) {
-    return new ProjectElement(tagName, projectSystem_, macros);
+    return new ProjectElement(tagName, projectSystem_, systemMacros_);
 }
 
 void ProjectSystemXMLPP2::warning(const std::string &text) {

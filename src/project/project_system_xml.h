@@ -1,5 +1,6 @@
 #pragma once
 
+#include "environment/system_macros.h"
 #include "project/project_element.h"
 #include "project/xml/xmlpp2.h"
 
@@ -8,7 +9,6 @@
 
 class ProjectLoadProgressInterface;
 class ProjectSystem;
-class SystemMacros;
 
 // The document that reads a solution file: every element it creates is a
 // ProjectElement of the project system, the tree is pre-processed, and then
@@ -18,7 +18,7 @@ class ProjectSystemXMLPP2 : public XMLPP2 {
 public:
     ProjectSystemXMLPP2(ProjectSystem *projectSystem, SystemMacros *macroTable,
                         bool keepCharacterData = false)
-        : XMLPP2(macroTable, keepCharacterData), projectSystem_(projectSystem) {}
+        : XMLPP2(macroTable, keepCharacterData), projectSystem_(projectSystem), systemMacros_(macroTable) {}
 
     XMLElement *createElement(std::string_view tagName) override;
     // A line for the load progress, if there is one; else the trace.
@@ -39,4 +39,5 @@ private:
     bool mapRoot(bool parsed);
 
     ProjectSystem *projectSystem_;
+    SystemMacros *systemMacros_;
 };

@@ -4,13 +4,16 @@
 // parsed from text.
 
 #include "environment/system_macros.h"
+#include "project/project_load_progress_interface.h"
 #include "project/project_system.h"
 #include "project/project_system_xml.h"
+#include "project/standard_property_table.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
+#include <vector>
 
 // Made before the project system, which keeps its address.
 struct TestMacroTable {
@@ -62,3 +65,28 @@ public:
 };
 
 using TestProjectSystem = TestTree<ProjectSystem>;
+
+// A project system with the standard property table, which every toolchain
+// installs.
+class StandardTestSystem : public TestProjectSystem {
+public:
+    ToolProperties toolProperties{propertyClasses};
+};
+
+// A load progress that records what it is told, one line an event.
+class RecordingProgress : public ProjectLoadProgressInterface {
+public:
+    void beginTask(const std::string &text, int level) override {
+        events.push_back("begin " + std::to_string(level) + " " + text);
+    }
+    void endTask() override { events.push_back("end"); }
+    void message(const std::string &text) override { events.push_back("message " + text); }
+    void warning(const std::string &text) override { events.push_back("warning " + text); }
+    int depth() override { return 0; }
+    void setProgress(int, int) override {}
+    void processEvents() override { ++polls; }
+    std::vector<std::string> collectedLines() override { return {}; }
+
+    std::vector<std::string> events;
+    int polls = 0;
+};

@@ -3,11 +3,11 @@
 
 #include "project/project_load_progress_interface.h"
 #include "project/project_system.h"
-#include "project/text_split.h"
 #include "project/tree_walk.h"
 #include "support/file_info.h"
 #include "support/file_utils.h"
 #include "support/paths.h"
+#include "support/text_split.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,6 +1,5 @@
 #include "project/project_load_progress_interface.h"
 #include "project/project_test_tree.h"
-#include "build/standard_project_system.h"
 #include "support/test_directory.h"
 
 #include <gtest/gtest.h>
@@ -341,9 +340,8 @@ TEST(ProjectTree, DeepTreesAreWalkedWithoutRecursion) {
 }
 
 TEST(ProjectTree, ProjectLanguageByTheFilesItHolds) {
-    SystemMacros macros;
-    StandardProjectSystem system(&macros);
-    ProjectSystemXMLPP2 document(&system, &macros);
+    StandardTestSystem system;
+    ProjectSystemXMLPP2 document(&system, system.macros);
     ASSERT_TRUE(document.parse(R"(<solution Name="S">
   <project Name="C"><file file_name="main.c" /><file file_name="x.h" /></project>
   <project Name="Excluded">
@@ -375,9 +373,8 @@ TEST(ProjectTree, DefaultFileTypesComeFromTheExtensionOrTheDocumentType) {
     directory.write("map.xml", "<?xml version=\"1.0\"?>\n<!DOCTYPE Quillmake_Memory_Map_File>\n<Root/>");
     directory.write("placement.xml", "<!-- placement -->\n<!DOCTYPE Quillmake_Section_Placement_File>\n<Root/>");
     directory.write("other.xml", "<!DOCTYPE Something_Else>\n<Root/>");
-    SystemMacros macros;
-    StandardProjectSystem system(&macros);
-    ProjectSystemXMLPP2 document(&system, &macros);
+    StandardTestSystem system;
+    ProjectSystemXMLPP2 document(&system, system.macros);
     std::string files;
     const std::vector<std::pair<std::string, std::string>> expected = {
         {"a.c", "C"},           {"a.cpp", "C++"},         {"a.cc", "C++"},

@@ -3,10 +3,10 @@
 
 #include "project/property_group_files.h"
 
-#include "project/macro_expansion.h"
 #include "project/project_system.h"
 #include "project/xml/xml_element.h"
 #include "support/file_info.h"
+#include "support/macro_expansion.h"
 #include "support/normalise_path.h"
 
 #include <algorithm>
@@ -95,7 +95,7 @@ PropertyValueGroupClass::PropertyValueGroupClass(XMLElement *element, bool libra
 
 // ---- PropertyValueGroupFile
 
-PropertyValueGroupFile::PropertyValueGroupFile(SystemMacros *macroTable, std::string name,
+PropertyValueGroupFile::PropertyValueGroupFile(const MacroTable *macroTable, std::string name,
                                                bool library)
     : XMLPP2(macroTable), fileName(std::move(name)), fromLibrary_(library) {}
 

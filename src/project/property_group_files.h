@@ -43,7 +43,7 @@ private:
 // elements that its classes point to.
 class PropertyValueGroupFile : public XMLPP2 {
 public:
-    PropertyValueGroupFile(SystemMacros *macroTable, std::string name, bool library);
+    PropertyValueGroupFile(const MacroTable *macroTable, std::string name, bool library);
 
     // Parses the file and makes a class of each <group> child of the root.
     // `time` is the file's time as the caller found it. False if the file

@@ -2,7 +2,6 @@
 
 #include "project/project_system_xml.h"
 #include "project/project_test_tree.h"
-#include "build/standard_project_system.h"
 #include "support/test_directory.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +12,7 @@ using Strings = std::vector<std::string>;
 
 // A toolchain with the standard table, a target code of its own, and one
 // property name of its own that stands for a standard one.
-class GroupSystem : public TestTree<StandardProjectSystem> {
+class GroupSystem : public StandardTestSystem {
 public:
     std::optional<std::string> value(ProjectElement *element, const std::string &name,
                                       const std::string &configuration) {

@@ -4,9 +4,9 @@
 #include "project/build_output_file_name_property_class.h"
 #include "project/project_system.h"
 #include "project/property_group_files.h"
-#include "project/text_split.h"
 #include "project/tree_walk.h"
 #include "support/file_info.h"
+#include "support/text_split.h"
 
 #include <algorithm>
 #include <initializer_list>

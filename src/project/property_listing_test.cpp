@@ -1,6 +1,5 @@
 #include "project/project_system_xml.h"
 #include "project/project_test_tree.h"
-#include "build/standard_project_system.h"
 #include "support/file_info.h"
 #include "support/test_directory.h"
 
@@ -29,7 +28,7 @@ Strings names(const PropertyValueList &list) {
 
 // A standard project system whose toolchain operations each add one marker
 // class and note that they were asked.
-class ListingSystem : public TestTree<StandardProjectSystem> {
+class ListingSystem : public StandardTestSystem {
 public:
     bool isHostedToolchain() const override { return hosted; }
     void appendCProperties(ProjectElement *, const std::string &, PropertyClassList &list) override {

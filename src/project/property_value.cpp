@@ -2,8 +2,8 @@
 
 #include "project/project_system.h"
 #include "project/property_group_files.h"
-#include "project/text_split.h"
 #include "project/tree_walk.h"
+#include "support/text_split.h"
 
 #include <set>
 

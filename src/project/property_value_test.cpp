@@ -1,6 +1,6 @@
 #include "project/project_test_tree.h"
 #include "project/property_value.h"
-#include "project/text_split.h"
+#include "support/text_split.h"
 
 #include <gtest/gtest.h>
 

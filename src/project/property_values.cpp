@@ -1,10 +1,10 @@
 // Reading and writing property values: the search over the stores of a node
 // and of the nodes above it.
 
-#include "project/macro_expansion.h"
 #include "project/project_system.h"
 #include "project/tree_walk.h"
-#include "project/text_split.h"
+#include "support/macro_expansion.h"
+#include "support/text_split.h"
 
 namespace {
 

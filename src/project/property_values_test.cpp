@@ -1,5 +1,5 @@
-#include "project/macro_expansion.h"
 #include "project/project_test_tree.h"
+#include "support/macro_expansion.h"
 
 #include <gtest/gtest.h>
 

@@ -1,18 +1,18 @@
 // Loading a solution: the file and the files it imports, load commands,
 // templated projects, the maps, dynamic folders and the environment.
 
-#include "build/command_line.h"
-#include "build/project_system_process.h"
 #include "project/load_handlers.h"
-#include "project/macro_expansion.h"
 #include "project/project_load_progress_interface.h"
 #include "project/project_system.h"
+#include "project/project_system_process.h"
 #include "project/project_system_xml.h"
-#include "project/text_split.h"
+#include "support/command_line.h"
 #include "support/exceptions.h"
 #include "support/file_info.h"
 #include "support/file_utils.h"
+#include "support/macro_expansion.h"
 #include "support/paths.h"
+#include "support/text_split.h"
 
 #include <cstdlib>
 #include <deque>

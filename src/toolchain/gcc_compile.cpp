@@ -5,7 +5,7 @@
 #include "toolchain/gcc_project_system.h"
 
 #include "build/builder.h"
-#include "build/command_line.h"
+#include "support/command_line.h"
 #include "support/file_info.h"
 #include "support/file_utils.h"
 #include "toolchain/gcc_arguments.h"

@@ -4,8 +4,8 @@
 
 #include "toolchain/gcc_project_system.h"
 
-#include "build/command_line.h"
-#include "project/text_split.h"
+#include "support/command_line.h"
+#include "support/text_split.h"
 
 namespace {
 

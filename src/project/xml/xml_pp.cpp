@@ -1,11 +1,11 @@
 #include "project/xml/xml_pp.h"
 
-#include "environment/date_time_macros.h"
-#include "project/macro_expansion.h"
-#include "project/text_split.h"
 #include "project/xml/preprocessor_text.h"
 #include "project/xml/xml_subtree.h"
+#include "support/date_time_macros.h"
 #include "support/file_info.h"
+#include "support/macro_expansion.h"
+#include "support/text_split.h"
 #include "support/trace.h"
 
 #include <algorithm>
@@ -40,7 +40,7 @@ std::string fromLatin1(const std::string &bytes) {
 
 } // namespace
 
-XmlPP::XmlPP(const SystemMacros &macroTable) : macros(macroTable) {}
+XmlPP::XmlPP(const MacroTable &macroTable) : macros(macroTable) {}
 
 void XmlPP::traceWarning(const std::string &text) {
     if (traceFlags & TraceWarnings)

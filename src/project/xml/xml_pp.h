@@ -1,9 +1,9 @@
 #pragma once
 
-#include "environment/system_macros.h"
 #include "project/xml/include_chain.h"
 #include "project/xml/preprocessor_limits.h"
 #include "project/xml/qxml_document.h"
+#include "support/macro_expansion.h"
 
 #include <cstdint>
 #include <memory>
@@ -28,7 +28,7 @@
 // Nothing recurses on the call stack; includes are bounded as in XMLPP2.
 class XmlPP {
 public:
-    explicit XmlPP(const SystemMacros &macroTable);
+    explicit XmlPP(const MacroTable &macroTable);
     XmlPP(const XmlPP &) = delete;
     XmlPP &operator=(const XmlPP &) = delete;
 
@@ -44,7 +44,7 @@ public:
                              bool expandAttributes);
 
     QXMLDocument document{true};
-    const SystemMacros &macros;
+    const MacroTable &macros;
     MacroMap defaultMacros;
     PreprocessorLimits limits;
     std::string errorText;

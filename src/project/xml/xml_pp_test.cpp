@@ -1,7 +1,6 @@
 #include "project/xml/xml_pp.h"
 
-#include "environment/date_time_macros.h"
-#include "environment/system_macros.h"
+#include "support/date_time_macros.h"
 #include "support/test_directory.h"
 #include "support/trace.h"
 
@@ -24,11 +23,14 @@ std::string compact(std::string text) {
 // a file there.
 struct XmlPPTest : ::testing::Test {
     TestDirectory scratch;
-    SystemMacros macros;
+    MacroTable macros;
     XmlPP reader{macros};
     std::string traceFile = scratch / "trace.txt";
 
-    XmlPPTest() { setTraceDestination(traceFile.c_str()); }
+    XmlPPTest() {
+        macros.systemMacros()["HostOS"] = "linux";
+        setTraceDestination(traceFile.c_str());
+    }
     ~XmlPPTest() override { setTraceDestination(nullptr); }
 
     // Writes `text` as main.xml, loads it and returns the tree on one line.

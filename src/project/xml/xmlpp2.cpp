@@ -1,11 +1,11 @@
 #include "project/xml/xmlpp2.h"
 
-#include "support/simple_expression_parser.h"
-#include "project/macro_expansion.h"
-#include "project/text_split.h"
 #include "project/xml/preprocessor_text.h"
 #include "project/xml/xml_subtree.h"
 #include "support/file_info.h"
+#include "support/macro_expansion.h"
+#include "support/simple_expression_parser.h"
+#include "support/text_split.h"
 #include "support/trace.h"
 
 #include <fnmatch.h>
@@ -66,7 +66,7 @@ std::size_t saturatingProduct(std::size_t a, std::size_t b) {
 
 } // namespace
 
-XMLPP2::XMLPP2(SystemMacros *macroTable, bool keepCharacterData)
+XMLPP2::XMLPP2(const MacroTable *macroTable, bool keepCharacterData)
     : QXMLDocument(keepCharacterData), macros(macroTable) {}
 
 XMLPP2::~XMLPP2() {
@@ -79,12 +79,9 @@ void XMLPP2::warning(const std::string &text) {
         trace("warning", true, "%s", text.c_str());
 }
 
-const SystemMacros &XMLPP2::table() const {
-    if (macros)
-        return *macros;
-    // Lives as long as the process, as the program's own table does.
-    static const SystemMacros *standIn = new SystemMacros;
-    return *standIn;
+const MacroTable &XMLPP2::table() const {
+    static const MacroTable empty;
+    return macros ? *macros : empty;
 }
 
 bool XMLPP2::load(const std::string &fileName, const std::string &macroText, bool expandAttributes) {

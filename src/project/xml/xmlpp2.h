@@ -1,9 +1,9 @@
 #pragma once
 
-#include "environment/system_macros.h"
 #include "project/xml/include_chain.h"
 #include "project/xml/preprocessor_limits.h"
 #include "project/xml/qxml_document.h"
+#include "support/macro_expansion.h"
 
 #include <cstddef>
 #include <functional>
@@ -38,9 +38,9 @@
 // past which processing stops with a warning.
 class XMLPP2 : public QXMLDocument {
 public:
-    // `macros` may be null (tests): a table of the host and clock macros
-    // stands in, which the local expansion doesn't consult anyway.
-    explicit XMLPP2(SystemMacros *macroTable, bool keepCharacterData = false);
+    // `macroTable` gives the system macros of include paths and the macro
+    // character. It may be null (tests): an empty table stands in.
+    explicit XMLPP2(const MacroTable *macroTable, bool keepCharacterData = false);
     ~XMLPP2() override;
 
     // Where the pre-processor's complaints go. The base writes them to the
@@ -61,7 +61,7 @@ public:
     void process(XMLNode *firstNode, const std::string &currentFile, const MacroMap &scope,
                  bool expandAttributes);
 
-    SystemMacros *macros;
+    const MacroTable *macros;
     // The xmldef blocks seen so far, by name; owned.
     std::map<std::string, XMLElement *, std::less<>> xmlDefs;
     PreprocessorLimits limits;
@@ -121,7 +121,7 @@ private:
     Scope mergedScope(const XMLElement *element);
 
     Frame &frame() { return stack_.back(); }
-    const SystemMacros &table() const;
+    const MacroTable &table() const;
     const std::string *lookUp(std::string_view name);
     // The frame's scope, copied first if another list shares it.
     MacroMap *ownScope();

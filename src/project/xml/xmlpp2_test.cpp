@@ -1,8 +1,5 @@
 #include "project/xml/xmlpp2.h"
 
-#include "environment/system_macros.h"
-#include "project/project_load_progress_interface.h"
-#include "project/project_system_xml.h"
 #include "support/test_directory.h"
 #include "support/trace.h"
 
@@ -25,12 +22,13 @@ std::string compact(std::string text) {
 }
 
 // Made before the document, which keeps its address.
-struct MacroTable {
-    SystemMacros systemMacros;
+struct Macros {
+    Macros() { systemMacros.systemMacros()["HostOS"] = "linux"; }
+    MacroTable systemMacros;
 };
 
 // A document that collects its warnings.
-class Document : public MacroTable, public XMLPP2 {
+class Document : public Macros, public XMLPP2 {
 public:
     Document() : XMLPP2(&systemMacros) {}
     void warning(const std::string &text) override { warnings.push_back(text); }
@@ -399,50 +397,6 @@ TEST_F(XMLPP2Include, DepthLimit) {
     EXPECT_EQ(result.warnings, Strings{kPrefix + "include file " + scratch / "f1001.xml" +
                                        " is nested more than 1000 deep; dropped"});
     EXPECT_NE(result.tree.find("<n1000/></envelope>"), std::string::npos);
-}
-
-TEST_F(XMLPP2Include, IncludedElementsAreMadeByTheDocument) {
-    scratch.write("main.tbp", "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\">"
-                              "<include filename=\"p.xml\"/></solution>");
-    scratch.write("p.xml", "<project Name=\"P\"><configuration Name=\"Debug\" x=\"1\"/></project>");
-    SystemMacros macros;
-    ProjectSystemXMLPP2 document(nullptr, &macros);
-    ASSERT_TRUE(document.load(scratch / "main.tbp"));
-    ProjectElement *solution = document.projectRoot();
-    ASSERT_NE(solution, nullptr);
-    ProjectElement *project = ProjectElement::from(solution->firstChild->toElement());
-    ASSERT_NE(project, nullptr);
-    EXPECT_EQ(*project->attribute("Name"), "P");
-    EXPECT_EQ(project->configurations.size(), 1u);
-    EXPECT_EQ(document.doctype, "Tarnbench_Project_File");
-}
-
-namespace {
-
-class Progress : public ProjectLoadProgressInterface {
-public:
-    void beginTask(const std::string &, int) override {}
-    void endTask() override {}
-    void message(const std::string &text) override { lines.push_back(text); }
-    void warning(const std::string &text) override { lines.push_back("warning " + text); }
-    int depth() override { return 0; }
-    void setProgress(int, int) override {}
-    void processEvents() override {}
-    std::vector<std::string> collectedLines() override { return lines; }
-
-    Strings lines;
-};
-
-} // namespace
-
-TEST(ProjectSystemXMLPP2, WarningsAreLinesOfTheLoadProgress) {
-    Progress progress;
-    ProjectSystemXMLPP2 document(nullptr, nullptr);
-    document.progress = &progress;
-    ASSERT_TRUE(document.parse("<solution><define value=\"1\"/><if A=\"\"><project Name=\"P\"/></if></solution>"));
-    EXPECT_EQ(progress.lines, Strings{kPrefix + "missing name in <define>"});
-    ASSERT_NE(document.root->firstChild, nullptr);
-    EXPECT_EQ(document.root->firstChild->toElement()->tagName, "project");
 }
 
 // Bounds: what any input may cost.

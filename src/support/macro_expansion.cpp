@@ -1,6 +1,6 @@
-#include "project/macro_expansion.h"
+#include "support/macro_expansion.h"
 
-#include "environment/date_time_macros.h"
+#include "support/date_time_macros.h"
 
 #include <cstdio>
 
@@ -87,18 +87,18 @@ bool isBeingExpanded(const std::vector<Level> &levels, const std::string *value)
 
 }  // namespace
 
-std::string expandMacrosWith(const SystemMacros &macros, const MacroMap &localMap, std::string_view text,
+std::string expandMacrosWith(const MacroTable &macros, const MacroMap &localMap, std::string_view text,
                              bool useGlobal, bool useSystem) {
     return expandMacrosWith(macros, localMap, text, useGlobal, useSystem, MacroExpansionLimits());
 }
 
-std::string expandMacrosWith(const SystemMacros &macros, const MacroMap &localMap, std::string_view text,
+std::string expandMacrosWith(const MacroTable &macros, const MacroMap &localMap, std::string_view text,
                              bool useGlobal, bool useSystem, const MacroExpansionLimits &limits) {
     MapSource source(localMap);
     return expandMacrosWith(macros, source, text, useGlobal, useSystem, limits);
 }
 
-std::string expandMacrosWith(const SystemMacros &macros, MacroSource &local, std::string_view text,
+std::string expandMacrosWith(const MacroTable &macros, MacroSource &local, std::string_view text,
                              bool useGlobal, bool useSystem, const MacroExpansionLimits &limits) {
     const char macroCharacter = macros.macroCharacter();
     if (text.find(macroCharacter) == npos)
@@ -188,11 +188,11 @@ std::string expandMacrosWith(const SystemMacros &macros, MacroSource &local, std
     return result;
 }
 
-std::string expandMacros(const SystemMacros &macros, std::string_view text) {
+std::string expandMacros(const MacroTable &macros, std::string_view text) {
     return expandMacrosWith(macros, MacroMap(), text, true, true);
 }
 
-std::string expandSystemMacros(const SystemMacros &macros, std::string_view text) {
+std::string expandSystemMacros(const MacroTable &macros, std::string_view text) {
     return expandMacrosWith(macros, MacroMap(), text, false, true);
 }
 

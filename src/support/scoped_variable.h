@@ -1,9 +1,7 @@
 #pragma once
 
 // For tests: an environment variable set or removed for the life of the
-// object, and a root user directory that is forgotten again.
-
-#include "environment/user_directories.h"
+// object.
 
 #include <cstdlib>
 #include <optional>
@@ -31,21 +29,4 @@ private:
 
     std::string name_;
     std::optional<std::string> old_;
-};
-
-// HOME and VELDANE_ROOT_USER_DIR as a test wants them, with no root user
-// directory stored before or after.
-class UserEnvironment {
-public:
-    UserEnvironment(const std::optional<std::string> &home, const std::optional<std::string> &rootUserDir)
-        : home_("HOME", home), root_("VELDANE_ROOT_USER_DIR", rootUserDir) {
-        setRootUserDirectory("");
-    }
-    ~UserEnvironment() { setRootUserDirectory(""); }
-    UserEnvironment(const UserEnvironment &) = delete;
-    UserEnvironment &operator=(const UserEnvironment &) = delete;
-
-private:
-    ScopedVariable home_;
-    ScopedVariable root_;
 };

@@ -1,4 +1,4 @@
-#include "build/qtx_process.h"
+#include "support/qtx_process.h"
 
 void QTxProcess::outputLine(bool fromStandardOutput, std::string_view text) {
     std::vector<std::string> *lines = fromStandardOutput ? standardOutput_ : standardError_;

@@ -1,6 +1,6 @@
-#include "environment/date_time_macros.h"
+#include "support/date_time_macros.h"
 
-#include "environment/scoped_variable.h"
+#include "support/scoped_variable.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "build/process.h"
+#include "support/process.h"
 
 #include <cerrno>
 #include <spawn.h>

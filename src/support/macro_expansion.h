@@ -1,11 +1,32 @@
 #pragma once
 
-#include "environment/system_macros.h"
-
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
+
+// A macro table: name to value, sorted by name. Names are compared exactly,
+// with case; look-ups by string_view don't allocate.
+using MacroMap = std::map<std::string, std::string, std::less<>>;
+
+// The tables that every expansion may consult behind its local macros: the
+// system macros, the user's global macros, and the character that opens a
+// reference. The process-wide table (SystemMacros) fills them.
+class MacroTable {
+public:
+    const MacroMap &systemMacros() const { return systemMacros_; }
+    MacroMap &systemMacros() { return systemMacros_; }
+    const MacroMap &globalMacros() const { return globalMacros_; }
+    MacroMap &globalMacros() { return globalMacros_; }
+    char macroCharacter() const { return macroCharacter_; }
+
+private:
+    MacroMap systemMacros_;
+    MacroMap globalMacros_;
+    char macroCharacter_ = '$';
+};
 
 // Expansion of macro references, with $ standing for the table's macro
 // character:
@@ -45,21 +66,21 @@ public:
     virtual const std::string *find(std::string_view name) = 0;
 };
 
-std::string expandMacrosWith(const SystemMacros &macros, const MacroMap &localMap, std::string_view text,
+std::string expandMacrosWith(const MacroTable &macros, const MacroMap &localMap, std::string_view text,
                              bool useGlobal, bool useSystem);
 // The same with other bounds.
-std::string expandMacrosWith(const SystemMacros &macros, const MacroMap &localMap, std::string_view text,
+std::string expandMacrosWith(const MacroTable &macros, const MacroMap &localMap, std::string_view text,
                              bool useGlobal, bool useSystem, const MacroExpansionLimits &limits);
 
 // The same with the local macros of a source.
-std::string expandMacrosWith(const SystemMacros &macros, MacroSource &local, std::string_view text,
+std::string expandMacrosWith(const MacroTable &macros, MacroSource &local, std::string_view text,
                              bool useGlobal, bool useSystem,
                              const MacroExpansionLimits &limits = MacroExpansionLimits());
 
 // With the global and the system macros.
-std::string expandMacros(const SystemMacros &macros, std::string_view text);
+std::string expandMacros(const MacroTable &macros, std::string_view text);
 // With the system macros only, for the paths of template and include files.
-std::string expandSystemMacros(const SystemMacros &macros, std::string_view text);
+std::string expandSystemMacros(const MacroTable &macros, std::string_view text);
 
 // A map from "name=value" items: the name ends at the first "=", the value is
 // all that follows (empty without "="). A later name replaces an earlier one.

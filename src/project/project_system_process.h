@@ -1,6 +1,6 @@
 #pragma once
 
-#include "build/process.h"
+#include "support/process.h"
 
 #include <string>
 #include <vector>

@@ -21,8 +21,3 @@ std::vector<std::string> splitCommandLine(std::string_view text);
 // command properties use " && "; a few that are split after macro expansion
 // use "&&".
 std::vector<std::string> splitCommandChain(std::string_view text, std::string_view separator = " && ");
-
-// The program to run for a command whose first argument is `name`: the
-// installation's own copy for the few tools it carries, else `name` as it
-// stands, for execvp to look up on the path.
-std::string toolPath(const std::string &name);

@@ -1,4 +1,4 @@
-#include "environment/date_time_macros.h"
+#include "support/date_time_macros.h"
 
 #include <algorithm>
 #include <cstdio>

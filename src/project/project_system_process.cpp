@@ -1,4 +1,4 @@
-#include "build/project_system_process.h"
+#include "project/project_system_process.h"
 
 #include "project/project_load_progress_interface.h"
 #include "support/file_utils.h"

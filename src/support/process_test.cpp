@@ -1,8 +1,6 @@
-#include "build/process.h"
+#include "support/process.h"
 
-#include "build/project_system_process.h"
-#include "build/qtx_process.h"
-#include "project/project_load_progress_interface.h"
+#include "support/qtx_process.h"
 #include "support/test_directory.h"
 
 #include <gtest/gtest.h>
@@ -495,68 +493,6 @@ TEST(RunTool, WithoutCaptureTheChildRunsOn) {
     for (int i = 0; i < 1000 && TestDirectory::read(dir / "result") != "done"; ++i)
         usleep(10000);
     EXPECT_EQ(TestDirectory::read(dir / "result"), "done");
-}
-
-class RecordingProgress : public ProjectLoadProgressInterface {
-public:
-    void beginTask(const std::string &text, int level) override {
-        events.push_back("begin " + std::to_string(level) + " " + text);
-    }
-    void endTask() override { events.push_back("end"); }
-    void message(const std::string &text) override { events.push_back("message " + text); }
-    void warning(const std::string &text) override { events.push_back("warning " + text); }
-    int depth() override { return 0; }
-    void setProgress(int, int) override {}
-    void processEvents() override { ++polls; }
-    std::vector<std::string> collectedLines() override { return {}; }
-
-    std::vector<std::string> events;
-    int polls = 0;
-};
-
-TEST(ProjectSystemProcess, RunsTheCommandWithItsOutputAsMessages) {
-    TestDirectory dir;
-    RecordingProgress progress;
-    ProjectSystemProcess process(&progress, {"/bin/sh", "-c", "printf 'o\\n'; pwd -P >&2; exit 3"}, dir.path(),
-                                 {});
-    char resolved[PATH_MAX];
-    ASSERT_TRUE(realpath(dir.path().c_str(), resolved));
-    EXPECT_EQ(process.exitStatus(), 3);
-    EXPECT_EQ(progress.events,
-              (Arguments{"begin 1 /bin/sh -c printf 'o\\n'; pwd -P >&2; exit 3", "message o",
-                         std::string("message ") + resolved, "end"}));
-}
-
-TEST(ProjectSystemProcess, AProgramThatCantBeStartedIsMinusOne) {
-    RecordingProgress progress;
-    ProjectSystemProcess missing(&progress, {"quillmake-no-such-program", "a"}, "", {});
-    EXPECT_EQ(missing.exitStatus(), -1);
-    EXPECT_EQ(progress.events, (Arguments{"begin 1 quillmake-no-such-program a", "end"}));
-    ProjectSystemProcess nothing(nullptr, {}, "", {});
-    EXPECT_EQ(nothing.exitStatus(), -1);
-    // A program that exits with 255 itself is not "not found".
-    ProjectSystemProcess failing(nullptr, {"/bin/sh", "-c", "exit 255"}, "", {});
-    EXPECT_EQ(failing.exitStatus(), 255);
-}
-
-TEST(ProjectSystemProcess, SetsTheEnvironmentForThisAndLaterChildren) {
-    RecordingProgress progress;
-    const std::string script = "printf '%s|%s|%s\\n' \"$QM_PSP_A\" \"$QM_PSP_B\" \"${QM_PSP_C-unset}\"";
-    ProjectSystemProcess process(&progress, {"/bin/sh", "-c", script}, "", {"QM_PSP_A=x=y", "QM_PSP_B", "QM_PSP_C="});
-    EXPECT_EQ(process.exitStatus(), 0);
-    ASSERT_EQ(progress.events.size(), 3u);
-    EXPECT_EQ(progress.events[1], "message x=y||");
-    EXPECT_STREQ(getenv("QM_PSP_A"), "x=y");
-    unsetenv("QM_PSP_A");
-    unsetenv("QM_PSP_B");
-    unsetenv("QM_PSP_C");
-}
-
-TEST(ProjectSystemProcess, RedirectsItsOutput) {
-    TestDirectory dir;
-    ProjectSystemProcess process(nullptr, {"printf", "a\\nb", ">", "out.txt"}, dir.path(), {});
-    EXPECT_EQ(process.exitStatus(), 0);
-    EXPECT_EQ(TestDirectory::read(dir / "out.txt"), "a\nb");
 }
 
 }  // namespace

@@ -1,12 +1,6 @@
-#include "build/command_line.h"
-
-#include "build/qtx_process.h"
-#include "environment/install_location.h"
-#include "support/test_directory.h"
+#include "support/command_line.h"
 
 #include <gtest/gtest.h>
-
-#include <sys/stat.h>
 
 namespace {
 
@@ -49,45 +43,6 @@ TEST(SplitCommandChain, SplitsAtTheSeparatorAndDropsEmptyParts) {
     EXPECT_EQ(splitCommandChain("a&&b"), (Arguments{"a&&b"}));
     EXPECT_EQ(splitCommandChain(""), Arguments{});
     EXPECT_EQ(splitCommandChain("a&&b &&c", "&&"), (Arguments{"a", "b ", "c"}));
-}
-
-class ToolPath : public ::testing::Test {
-protected:
-    // The build tree is an installation with the tool links in its bin/.
-    void SetUp() override { setInstallDirectories(std::string(QUILLMAKE_BUILD_BIN_DIR) + "/quillmake", 1); }
-};
-
-TEST_F(ToolPath, MapsTheInstallationsToolsOnly) {
-    for (const char *name : {"cp", "treedup", "preamblegen", "chmod", "rm", "mv", "mkdir", "echo"})
-        EXPECT_EQ(toolPath(name), installDirectory() + "/bin/" + name);
-    EXPECT_EQ(toolPath("gcc"), "gcc");
-    EXPECT_EQ(toolPath("/bin/cp"), "/bin/cp");
-    EXPECT_EQ(toolPath("cpp"), "cpp");
-    EXPECT_EQ(toolPath(""), "");
-}
-
-TEST_F(ToolPath, TheInstalledToolsRun) {
-    TestDirectory dir;
-    dir.write("a.txt", std::string("one\0two\n", 8));
-    auto run = [&](Arguments arguments) {
-        arguments[0] = toolPath(arguments[0]);
-        std::vector<std::string> output, errors;
-        const int status = runTool(arguments, true, dir.path(), &output, &errors);
-        EXPECT_EQ(errors, Arguments{});
-        return std::make_pair(status, output);
-    };
-    EXPECT_EQ(run({"mkdir", "-p", "sub/deeper"}).first, 0);
-    EXPECT_EQ(run({"cp", "a.txt", "sub/deeper/b.txt"}).first, 0);
-    EXPECT_EQ(TestDirectory::read(dir / "sub/deeper/b.txt"), std::string("one\0two\n", 8));
-    EXPECT_EQ(run({"mv", "sub/deeper/b.txt", "c.txt"}).first, 0);
-    EXPECT_EQ(TestDirectory::read(dir / "c.txt"), std::string("one\0two\n", 8));
-    EXPECT_EQ(run({"chmod", "-w", "c.txt"}).first, 0);
-    struct stat info;
-    ASSERT_EQ(stat((dir / "c.txt").c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 0222, 0u);
-    EXPECT_EQ(run({"rm", "-f", "c.txt"}).first, 0);
-    EXPECT_NE(access((dir / "c.txt").c_str(), F_OK), 0);
-    EXPECT_EQ(run({"echo", "hello", "world"}), std::make_pair(0, Arguments{"hello world"}));
 }
 
 }  // namespace

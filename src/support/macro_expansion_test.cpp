@@ -1,4 +1,4 @@
-#include "project/macro_expansion.h"
+#include "support/macro_expansion.h"
 
 #include <gtest/gtest.h>
 
@@ -6,16 +6,20 @@
 
 namespace {
 
-// A table with known global and system macros beside the built-in ones.
+// A table with known global and system macros, and the clock macros known by
+// name as the process-wide table knows them.
 struct Expansion : ::testing::Test {
-    SystemMacros macros;
+    MacroTable macros;
     MacroMap local;
 
     Expansion() {
-        macros.addSystemMacro("StudioDir", "/opt/studio", "");
-        macros.addSystemMacro("Shared", "system", "");
+        macros.systemMacros()["StudioDir"] = "/opt/studio";
+        macros.systemMacros()["Shared"] = "system";
         macros.globalMacros()["Shared"] = "global";
         macros.globalMacros()["GlobalOnly"] = "g";
+        macros.systemMacros()["HostEXE"] = "";
+        for (const char *clock : {"Date", "DateYear", "UnixTime"})
+            macros.systemMacros()[clock] = "";
     }
 
     std::string expand(const std::string &text, bool useGlobal = true, bool useSystem = true) {

@@ -1,8 +1,4 @@
-#include "build/command_line.h"
-
-#include "environment/install_location.h"
-
-#include <array>
+#include "support/command_line.h"
 
 std::vector<std::string> splitCommandLine(std::string_view text) {
     std::vector<std::string> arguments;
@@ -53,14 +49,4 @@ std::vector<std::string> splitCommandChain(std::string_view text, std::string_vi
         start = end + separator.size();
     }
     return parts;
-}
-
-std::string toolPath(const std::string &name) {
-    static constexpr std::array<std::string_view, 8> installedTools = {
-        "cp", "treedup", "preamblegen", "chmod", "rm", "mv", "mkdir", "echo"};
-    for (std::string_view tool : installedTools) {
-        if (name == tool)
-            return installDirectory() + "/bin/" + name;
-    }
-    return name;
 }

@@ -297,10 +297,15 @@ void NodeBuild::externalLink(const StringList &objects, const StringList &librar
     StringList directories;
     s.linkerLibraryDirectories(element, configuration, directories);
     std::string linkLibraries;
-    for (const std::string &directory : directories)
-        linkLibraries += (linkLibraries.empty() ? "-L" : " -L") + directory;
-    if (!libraries.empty())
-        linkLibraries += (linkLibraries.empty() ? "" : " ") + quotedList(libraries);
+    for (const std::string &directory : directories) {
+        linkLibraries += linkLibraries.empty() ? "-L" : " -L";
+        linkLibraries += directory;
+    }
+    if (!libraries.empty()) {
+        if (!linkLibraries.empty())
+            linkLibraries += ' ';
+        linkLibraries += quotedList(libraries);
+    }
     macros["LinkLibraries"] = linkLibraries;
     if (!linkerScript.empty()) {
         macros["LinkerScriptPath"] = linkerScript;

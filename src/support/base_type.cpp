@@ -13,7 +13,12 @@ std::string StructType::name() const {
         return "struct " + tag_;
     std::string text = "struct {";
     for (const Member &member : members_) {
-        text += " " + member.type->name() + " " + member.name;
+        // Appended piece by piece: a literal before a temporary string makes
+        // g++ 12 warn falsely about overlapping copies at -O3.
+        text += ' ';
+        text += member.type->name();
+        text += ' ';
+        text += member.name;
         if (member.bitSize > 0)
             text += " : " + std::to_string(member.bitSize);
         text += ";";
@@ -35,7 +40,10 @@ std::string ArrayType::name() const {
     std::string bounds;
     const BaseType *type = this;
     while (const auto *array = dynamic_cast<const ArrayType *>(type)) {
-        bounds += "[" + (array->length_ > 0 ? std::to_string(array->length_) : "") + "]";
+        bounds += '[';
+        if (array->length_ > 0)
+            bounds += std::to_string(array->length_);
+        bounds += ']';
         type = array->element_.get();
     }
     return type->name() + bounds;

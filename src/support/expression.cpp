@@ -411,7 +411,14 @@ std::unique_ptr<Expression> NegateExpression::clone() const {
 // ---- Binary operators ----
 
 std::string BinaryExpression::toString() const {
-    return "(" + left_->toString() + symbol() + right_->toString() + ")";
+    // Built by appending: "(" + a temporary makes g++ 12 warn falsely about
+    // overlapping copies at -O3.
+    std::string text = "(";
+    text += left_->toString();
+    text += symbol();
+    text += right_->toString();
+    text += ')';
+    return text;
 }
 
 void BinaryExpression::visit(ExpressionVisitor visitor, void *argument) {

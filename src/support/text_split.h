@@ -37,6 +37,16 @@ inline std::vector<std::string> splitAtText(std::string_view text, std::string_v
     return items;
 }
 
+// `a` followed by `b`. Use it for a literal before a temporary string: g++ 12
+// at -O3 warns falsely about overlapping copies in "literal" + temporary.
+inline std::string concat(std::string_view a, std::string_view b) {
+    std::string text;
+    text.reserve(a.size() + b.size());
+    text.append(a);
+    text.append(b);
+    return text;
+}
+
 // The items joined with `separator` between them.
 inline std::string joinItems(const std::vector<std::string> &items, std::string_view separator) {
     std::string text;

@@ -5,6 +5,7 @@
 
 #include "build/builder.h"
 #include "support/paths.h"
+#include "support/text_split.h"
 
 void GCCProjectSystem::archiveStep(ProjectElement *element, const std::string &configuration,
                                    const std::string &outputRelative, const std::string &outputFile,
@@ -19,7 +20,7 @@ void GCCProjectSystem::archiveStep(ProjectElement *element, const std::string &c
     if (usesIndirectFile(element, configuration, inputs.size(), 99)) {
         indirect = indFileName(element, configuration, outputFile);
         writeIndirect(element, configuration, inputs, indirect, true, builder);
-        arguments.push_back("@" + relativeOrAbsolute(directory, indirect));
+        arguments.push_back(concat("@", relativeOrAbsolute(directory, indirect)));
     } else {
         arguments.insert(arguments.end(), inputs.begin(), inputs.end());
     }

@@ -22,8 +22,11 @@ public:
             return;
         seen = true;
         text = "\"arguments\":[";
-        for (const std::string &argument : arguments)
-            text += (&argument == &arguments.front() ? "" : ",") + jsonString(argument);
+        for (const std::string &argument : arguments) {
+            if (&argument != &arguments.front())
+                text += ',';
+            text += jsonString(argument);
+        }
         text += "],";
     }
     bool seen = false;

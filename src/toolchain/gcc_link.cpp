@@ -7,6 +7,7 @@
 #include "support/command_line.h"
 #include "support/file_info.h"
 #include "support/paths.h"
+#include "support/text_split.h"
 #include "toolchain/gcc_arguments.h"
 
 #include <set>
@@ -153,7 +154,7 @@ void GCCProjectSystem::linkStep(ProjectElement *element, const std::string &conf
     std::string indirect;
     if (usesIndirectFile(element, configuration, inputs.size(), 99)) {
         indirect = indFileName(element, configuration, outputFile);
-        list.push_back("@" + relativeOrAbsolute(directory, indirect));
+        list.push_back(concat("@", relativeOrAbsolute(directory, indirect)));
     } else {
         const StringList whole =
             splitCommandLine(expandedValue(element, gcc.wholeArchive, configuration));

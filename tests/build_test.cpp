@@ -16,8 +16,8 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
-#include <utime.h>
 
+using e2e::expectResult;
 using e2e::runQuillmake;
 using e2e::Sandbox;
 
@@ -51,23 +51,7 @@ struct BuildRun {
         options.environment["TZ"] = "UTC";
         return runQuillmake(box, arguments, options);
     }
-    // Replaces <box> by the sandbox's path.
-    std::string inBox(std::string text) const {
-        for (std::size_t at; (at = text.find("<box>")) != std::string::npos;)
-            text.replace(at, 5, box.path());
-        return text;
-    }
-    void setTime(const std::string &relative, std::time_t seconds) const {
-        const utimbuf times{seconds, seconds};
-        ASSERT_EQ(utime(box.at(relative).c_str(), &times), 0) << relative;
-    }
 };
-
-void expectRun(const e2e::RunResult &r, const std::string &out, const std::string &err, int status) {
-    EXPECT_EQ(r.out, out);
-    EXPECT_EQ(r.err, err);
-    EXPECT_EQ(r.status, status);
-}
 
 std::vector<std::string> sortedLines(const std::string &text) {
     std::vector<std::string> lines;
@@ -85,22 +69,22 @@ constexpr std::time_t someTime = 1767323045;
 
 TEST(Staging, CopiesQuietlyThenFindsEverythingUpToDate) {
     BuildRun b(stagingProject);
-    expectRun(b.run({"-threadnum", "1"}), "", "", 0);
+    expectResult(b.run({"-threadnum", "1"}), "", "", 0);
     EXPECT_EQ(b.box.read("out/a.txt"), "alpha\n");
     EXPECT_EQ(b.box.read("out/sub/b.txt"), "beta\n");
-    expectRun(b.run({"-threadnum", "1", "-verbose"}),
+    expectResult(b.run({"-threadnum", "1", "-verbose"}),
               "Checking 'a.txt'\n'a.txt' is up to date.\nChecking 'b.txt'\n'b.txt' is up to date.\n", "", 0);
 }
 
 TEST(Staging, ANewerSourceIsCopiedAgainAndTheVerboseRunSaysWhy) {
     BuildRun b(stagingProject);
-    expectRun(b.run({"-threadnum", "1"}), "", "", 0);
-    b.setTime("out/a.txt", someTime);
-    b.setTime("a.txt", someTime);
-    b.setTime("out/sub/b.txt", someTime);
-    b.setTime("sub/b.txt", someTime + 1);
-    expectRun(b.run({"-threadnum", "1", "-verbose"}),
-              b.inBox("Checking 'a.txt'\n'a.txt' is up to date.\n"
+    expectResult(b.run({"-threadnum", "1"}), "", "", 0);
+    b.box.setTime("out/a.txt", someTime);
+    b.box.setTime("a.txt", someTime);
+    b.box.setTime("out/sub/b.txt", someTime);
+    b.box.setTime("sub/b.txt", someTime + 1);
+    expectResult(b.run({"-threadnum", "1", "-verbose"}),
+              b.box.expand("Checking 'a.txt'\n'a.txt' is up to date.\n"
                       "Checking 'b.txt'\n"
                       "<box>/sub/b.txt (02.01.2026 03:04:06) is later than <box>/out/sub/b.txt "
                       "(02.01.2026 03:04:05).\n"
@@ -110,22 +94,22 @@ TEST(Staging, ANewerSourceIsCopiedAgainAndTheVerboseRunSaysWhy) {
 
 TEST(Staging, EchoShowsEachCommandAndShowRunsNothing) {
     BuildRun b(stagingProject);
-    const std::string commands = b.inBox(
+    const std::string commands = b.box.expand(
         "cp a.txt <box>/out/a.txt\nchmod +w <box>/out/a.txt\n"
         "cp sub/b.txt <box>/out/sub/b.txt\nchmod +w <box>/out/sub/b.txt\n");
-    expectRun(b.run({"-threadnum", "1", "-show"}), commands, "", 0);
+    expectResult(b.run({"-threadnum", "1", "-show"}), commands, "", 0);
     EXPECT_FALSE(b.box.exists("out/a.txt"));
-    expectRun(b.run({"-threadnum", "1", "-echo"}), commands, "", 0);
+    expectResult(b.run({"-threadnum", "1", "-echo"}), commands, "", 0);
     EXPECT_TRUE(b.box.exists("out/a.txt"));
     // Nothing is out of date now, so -show decides as the build does.
-    expectRun(b.run({"-threadnum", "1", "-show"}), "", "", 0);
-    expectRun(b.run({"-threadnum", "1", "-show", "-rebuild"}), commands, "", 0);
+    expectResult(b.run({"-threadnum", "1", "-show"}), "", "", 0);
+    expectResult(b.run({"-threadnum", "1", "-show", "-rebuild"}), commands, "", 0);
 }
 
 TEST(Staging, TwoSlotsPrefixEveryLineWithTheSlot) {
     BuildRun b(stagingProject);
     const auto r = b.run({"-threadnum", "2", "-echo"});
-    EXPECT_EQ(sortedLines(r.out), sortedLines(b.inBox("2>cp a.txt <box>/out/a.txt\n"
+    EXPECT_EQ(sortedLines(r.out), sortedLines(b.box.expand("2>cp a.txt <box>/out/a.txt\n"
                                                       "2>chmod +w <box>/out/a.txt\n"
                                                       "1>cp sub/b.txt <box>/out/sub/b.txt\n"
                                                       "1>chmod +w <box>/out/sub/b.txt\n")));
@@ -135,7 +119,7 @@ TEST(Staging, TwoSlotsPrefixEveryLineWithTheSlot) {
 
 TEST(Staging, AHugeThreadCountCostsNoMoreThanItsSlots) {
     BuildRun b(stagingProject);
-    expectRun(b.run({"-threadnum", "100000000"}), "", "", 0);
+    expectResult(b.run({"-threadnum", "100000000"}), "", "", 0);
     EXPECT_EQ(b.box.read("out/sub/b.txt"), "beta\n");
 }
 
@@ -146,20 +130,20 @@ TEST(Staging, ReadOnlyCopiesAndCleaning) {
     <file file_name="a.txt" />
   </project>
 )x");
-    expectRun(b.run({"-threadnum", "1", "-echo"}), b.inBox("cp a.txt <box>/out/a.txt\nchmod -w <box>/out/a.txt\n"), "", 0);
+    expectResult(b.run({"-threadnum", "1", "-echo"}), b.box.expand("cp a.txt <box>/out/a.txt\nchmod -w <box>/out/a.txt\n"), "", 0);
     struct stat status {};
     ASSERT_EQ(stat(b.box.at("out/a.txt").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0222, 0u);
-    expectRun(b.run({"-threadnum", "1", "-clean", "-echo"}), b.inBox("rm <box>/out/a.txt\n"), "", 0);
+    expectResult(b.run({"-threadnum", "1", "-clean", "-echo"}), b.box.expand("rm <box>/out/a.txt\n"), "", 0);
     EXPECT_FALSE(b.box.exists("out/a.txt"));
 }
 
 TEST(Staging, OrderChecksWithoutCopying) {
     BuildRun b(stagingProject);
-    expectRun(b.run({"-threadnum", "1", "-order"}), "", "", 0);
+    expectResult(b.run({"-threadnum", "1", "-order"}), "", "", 0);
     EXPECT_FALSE(b.box.exists("out/a.txt"));
-    expectRun(b.run({"-threadnum", "1", "-order", "-verbose"}),
-              b.inBox("Checking 'a.txt'\n<box>/out/a.txt does not exist.\n"
+    expectResult(b.run({"-threadnum", "1", "-order", "-verbose"}),
+              b.box.expand("Checking 'a.txt'\n<box>/out/a.txt does not exist.\n"
                       "Checking 'b.txt'\n<box>/out/sub/b.txt does not exist.\n"),
               "", 0);
     EXPECT_FALSE(b.box.exists("out/a.txt"));
@@ -167,7 +151,7 @@ TEST(Staging, OrderChecksWithoutCopying) {
 
 TEST(Staging, TimeReportsTheLoadAndTheBuild) {
     BuildRun b(stagingProject);
-    expectRun(b.run({"-threadnum", "1", "-time"}), "solution load time 0 seconds\nbuild time 0 seconds\n", "",
+    expectResult(b.run({"-threadnum", "1", "-time"}), "solution load time 0 seconds\nbuild time 0 seconds\n", "",
               0);
 }
 
@@ -179,8 +163,8 @@ TEST(Staging, ABatchBuildsEachChosenConfiguration) {
     <file file_name="a.txt" />
   </project>
 )x");
-    expectRun(b.run({"-threadnum", "1", "-batch", "-echo"}),
-              b.inBox("cp a.txt <box>/out/Debug/a.txt\nchmod +w <box>/out/Debug/a.txt\n"
+    expectResult(b.run({"-threadnum", "1", "-batch", "-echo"}),
+              b.box.expand("cp a.txt <box>/out/Debug/a.txt\nchmod +w <box>/out/Debug/a.txt\n"
                       "cp a.txt <box>/out/Release/a.txt\nchmod +w <box>/out/Release/a.txt\n"),
               "", 0);
     EXPECT_EQ(b.box.read("out/Release/a.txt"), "alpha\n");
@@ -195,9 +179,9 @@ TEST(Failures, AFailedCommandIsNamedAndTheBuildStops) {
   </project>
 )x");
     // A failing step shows its title, then the command.
-    expectRun(b.run({"-threadnum", "1"}), "Copying 'a.txt'\nError executing false\n",
+    expectResult(b.run({"-threadnum", "1"}), "Copying 'a.txt'\nError executing false\n",
               "Build failed, exit status 0x1\nThere were 1 build errors\n", 1);
-    expectRun(b.run({"-threadnum", "1", "-keepgoing"}),
+    expectResult(b.run({"-threadnum", "1", "-keepgoing"}),
               "Copying 'a.txt'\nError executing false\nCopying 'b.txt'\nError executing false\n",
               "Build failed, exit status 0x1 'a.txt' in configuration 'Debug' continuing because "
               "'keep going on error' has been enabled\n"
@@ -214,7 +198,7 @@ TEST(Failures, AChildKilledByASignalReportsItsNumber) {
     <file file_name="a.txt" />
   </project>
 )x");
-    expectRun(b.run({"-threadnum", "1"}), "Copying 'a.txt'\nError executing sh -c kill -SEGV $$\n",
+    expectResult(b.run({"-threadnum", "1"}), "Copying 'a.txt'\nError executing sh -c kill -SEGV $$\n",
               "Build failed, exit status 0xb\nThere were 1 build errors\n", 1);
 }
 
@@ -225,8 +209,8 @@ TEST(Failures, AProgramThatCantBeStartedFailsItsStep) {
     <file file_name="a.txt" />
   </project>
 )x");
-    expectRun(b.run({"-threadnum", "1"}),
-              b.inBox("Copying 'a.txt'\nError executing no-such-program-anywhere <box>/out/a.txt\n"),
+    expectResult(b.run({"-threadnum", "1"}),
+              b.box.expand("Copying 'a.txt'\nError executing no-such-program-anywhere <box>/out/a.txt\n"),
               "Build failed, exit status 0xff\nThere were 1 build errors\n", 1);
 }
 
@@ -239,9 +223,9 @@ TEST(UserSteps, PreAndPostBuildRunOnlyWhenSomethingIsBuilt) {
 )x");
     // The files are jobs of their own, so the project's end job can't see
     // that they were copied: only a rebuild counts as built there.
-    expectRun(b.run({"-threadnum", "1"}), "Pre-Building 'Stage'\nbefore\n", "", 0);
-    expectRun(b.run({"-threadnum", "1"}), "", "", 0);
-    expectRun(b.run({"-threadnum", "1", "-rebuild"}),
+    expectResult(b.run({"-threadnum", "1"}), "Pre-Building 'Stage'\nbefore\n", "", 0);
+    expectResult(b.run({"-threadnum", "1"}), "", "", 0);
+    expectResult(b.run({"-threadnum", "1", "-rebuild"}),
               "Pre-Building 'Stage'\nbefore\nPost-Building 'Stage'\nafter\n", "", 0);
 }
 
@@ -253,9 +237,9 @@ TEST(UserSteps, AlwaysRunMeansEveryBuild) {
     <file file_name="a.txt" />
   </project>
 )x");
-    expectRun(b.run({"-threadnum", "1"}), "Pre-Building 'Stage'\nbefore\nPost-Building 'Stage'\nafter\n", "",
+    expectResult(b.run({"-threadnum", "1"}), "Pre-Building 'Stage'\nbefore\nPost-Building 'Stage'\nafter\n", "",
               0);
-    expectRun(b.run({"-threadnum", "1"}), "Pre-Building 'Stage'\nbefore\nPost-Building 'Stage'\nafter\n", "",
+    expectResult(b.run({"-threadnum", "1"}), "Pre-Building 'Stage'\nbefore\nPost-Building 'Stage'\nafter\n", "",
               0);
 }
 
@@ -267,10 +251,10 @@ TEST(Combining, JoinsItsInputsIntoOneFile) {
     <file file_name="sub/b.txt" />
   </project>
 )x");
-    expectRun(b.run({"-threadnum", "1", "-echo"}),
-              b.inBox("cat a.txt sub/b.txt > <box>/out/all.txt\nchmod +w <box>/out/all.txt\n"), "", 0);
+    expectResult(b.run({"-threadnum", "1", "-echo"}),
+              b.box.expand("cat a.txt sub/b.txt > <box>/out/all.txt\nchmod +w <box>/out/all.txt\n"), "", 0);
     EXPECT_EQ(b.box.read("out/all.txt"), "alpha\nbeta\n");
-    expectRun(b.run({"-threadnum", "1", "-echo"}), "", "", 0);
+    expectResult(b.run({"-threadnum", "1", "-echo"}), "", "", 0);
 }
 
 TEST(ExternallyBuilt, CompilesArchivesAndLinksWithTheMachinesTools) {
@@ -293,11 +277,11 @@ TEST(ExternallyBuilt, CompilesArchivesAndLinksWithTheMachinesTools) {
 )x");
     b.box.write("main.c", "#include <stdio.h>\nint twice(int);\nint main(void) { printf(\"%d\\n\", twice(21)); return 0; }\n");
     b.box.write("twice.c", "int twice(int x) { return 2 * x; }\n");
-    expectRun(b.run({"-threadnum", "1"}), "", "", 0);
+    expectResult(b.run({"-threadnum", "1"}), "", "", 0);
     const auto program = e2e::runProgram({b.box.at("out/app")}, b.box.path(), {});
     EXPECT_EQ(program.out, "42\n");
     // With two projects, a verbose title names the project and configuration.
-    expectRun(b.run({"-threadnum", "1", "-verbose"}),
+    expectResult(b.run({"-threadnum", "1", "-verbose"}),
               "Checking 'twice.c' from project 'Lib' in configuration 'Debug'\n'twice.c' is up to date\n"
               "Checking 'Lib' from project 'Lib' in configuration 'Debug'\n'Lib' is up to date\n"
               "Checking 'main.c' from project 'App' in configuration 'Debug'\n'main.c' is up to date\n"
@@ -305,10 +289,10 @@ TEST(ExternallyBuilt, CompilesArchivesAndLinksWithTheMachinesTools) {
               "", 0);
     // Times are compared in whole seconds: move the first build into the past.
     for (const char *file : {"twice.c", "obj/lib/twice.o", "out/libtwice.a", "main.c", "obj/main.o", "out/app"})
-        b.setTime(file, someTime);
-    b.setTime("twice.c", someTime + 1);
+        b.box.setTime(file, someTime);
+    b.box.setTime("twice.c", someTime + 1);
     const auto rebuilt = b.run({"-threadnum", "1", "-echo"});
-    EXPECT_EQ(rebuilt.out, b.inBox("gcc -c <box>/twice.c -o <box>/obj/lib/twice.o\n"
+    EXPECT_EQ(rebuilt.out, b.box.expand("gcc -c <box>/twice.c -o <box>/obj/lib/twice.o\n"
                                    "ar rcs <box>/out/libtwice.a <box>/obj/lib/twice.o\n"
                                    "gcc <box>/obj/main.o out/libtwice.a -o <box>/out/app -Wl,-Map,out/app.map\n"));
     EXPECT_EQ(rebuilt.status, 0);
@@ -321,7 +305,7 @@ TEST(ExternallyBuilt, TheBuildCommandRunsInTheProjectDirectory) {
                    external_build_command="sh -c &quot;pwd &gt; made.bin&quot;" />
   </project>
 )x");
-    expectRun(b.run({"-threadnum", "1"}), "", "", 0);
+    expectResult(b.run({"-threadnum", "1"}), "", "", 0);
     EXPECT_EQ(b.box.read("made.bin"), b.box.path() + "\n");
 }
 

@@ -56,14 +56,9 @@ const std::string usage =
 std::string error(const std::string &text) { return quillmakePath() + ": error: " + text + "\n"; }
 
 // A run that gets past the command line and looks for its solution file
-// (<sandbox> stands for the sandbox's path).
-const std::string notLoading = "load error: <sandbox>/a.tbp  does not exist\n";
+// (<box> stands for the sandbox's path).
+const std::string notLoading = "load error: <box>/a.tbp  does not exist\n";
 
-std::string inSandbox(const Sandbox &box, std::string text) {
-    if (const std::size_t at = text.find("<sandbox>"); at != std::string::npos)
-        text.replace(at, 9, box.path());
-    return text;
-}
 
 // Runs quillmake and checks everything it shows.
 void expectRun(const std::vector<std::string> &arguments, const std::string &out,
@@ -71,7 +66,7 @@ void expectRun(const std::vector<std::string> &arguments, const std::string &out
     Sandbox box;
     const auto r = runQuillmake(box, arguments);
     EXPECT_EQ(r.out, out);
-    EXPECT_EQ(r.err, inSandbox(box, err));
+    EXPECT_EQ(r.err, box.expand(err));
     EXPECT_EQ(r.status, status);
 }
 
@@ -159,7 +154,7 @@ TEST(Arguments, EmptyValueCountsAsGiven) {
 }
 
 TEST(Arguments, LastSolutionFileIsLoaded) {
-    expectRun({"-config", "Debug", "a.tbp", "b.tbp"}, "", "load error: <sandbox>/b.tbp  does not exist\n", 1);
+    expectRun({"-config", "Debug", "a.tbp", "b.tbp"}, "", "load error: <box>/b.tbp  does not exist\n", 1);
 }
 
 TEST(Rules, EachRuleAndItsOrder) {

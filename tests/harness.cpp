@@ -11,6 +11,9 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utime.h>
+
+#include <gtest/gtest.h>
 
 extern char **environ;
 
@@ -58,6 +61,23 @@ std::string Sandbox::read(const std::string &relative) const {
 
 bool Sandbox::exists(const std::string &relative) const {
     return access(at(relative).c_str(), F_OK) == 0;
+}
+
+void Sandbox::setTime(const std::string &relative, std::time_t seconds) const {
+    const utimbuf times{seconds, seconds};
+    ASSERT_EQ(utime(at(relative).c_str(), &times), 0) << relative;
+}
+
+std::string Sandbox::expand(std::string text) const {
+    for (std::size_t at = 0; (at = text.find("<box>", at)) != std::string::npos; at += path_.size())
+        text.replace(at, 5, path_);
+    return text;
+}
+
+void expectResult(const RunResult &r, const std::string &out, const std::string &err, int status) {
+    EXPECT_EQ(r.out, out);
+    EXPECT_EQ(r.err, err);
+    EXPECT_EQ(r.status, status);
 }
 
 const std::string &quillmakePath() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ctime>
 #include <map>
 #include <optional>
 #include <string>
@@ -31,6 +32,10 @@ public:
     void write(const std::string &relative, const std::string &content) const;
     std::string read(const std::string &relative) const;
     bool exists(const std::string &relative) const;
+    // Sets the access and modification times of `relative`.
+    void setTime(const std::string &relative, std::time_t seconds) const;
+    // `text` with every "<box>" replaced by the sandbox's path.
+    std::string expand(std::string text) const;
 
 private:
     std::string path_;
@@ -42,6 +47,9 @@ struct RunOptions {
     std::map<std::string, std::optional<std::string>> environment;
     std::string input;              // standard input; empty means /dev/null
 };
+
+// Expects exactly this standard output, standard error and exit status.
+void expectResult(const RunResult &r, const std::string &out, const std::string &err, int status);
 
 // The path of the quillmake binary being tested.
 const std::string &quillmakePath();

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
-#include <utime.h>
 
 using e2e::runQuillmake;
 using e2e::Sandbox;
@@ -38,10 +37,6 @@ struct HostRun {
         options.environment["TZ"] = "UTC";
         return runQuillmake(box, arguments, options);
     }
-    void setTime(const std::string &relative, std::time_t seconds) const {
-        const utimbuf times{seconds, seconds};
-        ASSERT_EQ(utime(box.at(relative).c_str(), &times), 0) << relative;
-    }
 };
 
 // As a build shows a file's time.
@@ -70,13 +65,13 @@ TEST(HostCompile, CompilesThenFollowsTheDependencyFile) {
     // after the system headers that the dependency files name too.
     const std::time_t someTime = std::time(nullptr) - 60;
     for (const char *file : {"one.c", "one.h", "two.cpp", "obj/one.o", "obj/two.o"})
-        h.setTime(file, someTime);
+        h.box.setTime(file, someTime);
     const auto again = h.run({"-echo"});
     EXPECT_EQ(again.out, "");
     EXPECT_EQ(again.status, 0);
 
     // A newer header rebuilds the file that includes it, and only that one.
-    h.setTime("one.h", someTime + 1);
+    h.box.setTime("one.h", someTime + 1);
     const auto rebuilt = h.run({"-verbose"});
     EXPECT_EQ(rebuilt.out,
               "Checking 'one.c'\n" + dir + "/one.h (" + shown(someTime + 1) + ") is later than " + dir + "/obj/one.o (" +

@@ -12,21 +12,16 @@ namespace {
 std::string error(const std::string &text) { return quillmakePath() + ": error: " + text + "\n"; }
 
 // A run that gets past the command line and looks for its solution file
-// (<sandbox> stands for the sandbox's path).
-const std::string notLoading = "load error: <sandbox>/a.tbp  does not exist\n";
+// (<box> stands for the sandbox's path).
+const std::string notLoading = "load error: <box>/a.tbp  does not exist\n";
 
-std::string inSandbox(const Sandbox &box, std::string text) {
-    if (const std::size_t at = text.find("<sandbox>"); at != std::string::npos)
-        text.replace(at, 9, box.path());
-    return text;
-}
 const std::string noFile = ".tbp file or -template or -type must be specified.";
 
 void expectRun(const Sandbox &box, const std::vector<std::string> &arguments, const std::string &err,
                int status) {
     const auto r = runQuillmake(box, arguments);
     EXPECT_EQ(r.out, "");
-    EXPECT_EQ(r.err, inSandbox(box, err));
+    EXPECT_EQ(r.err, box.expand(err));
     EXPECT_EQ(r.status, status);
 }
 
@@ -90,7 +85,7 @@ TEST(IndirectFile, CommentsOnlyInTheFirstColumn) {
     box.write("comment", "-config Debug\n#x\n");
     expectRun(box, {"@comment"}, error(noFile), 1);
     box.write("plain", "-config Debug\n #x\n");
-    expectRun(box, {"@plain"}, "load error: <sandbox>/#x  does not exist\n", 1);
+    expectRun(box, {"@plain"}, "load error: <box>/#x  does not exist\n", 1);
 }
 
 TEST(IndirectFile, EmptyQuotedTokenIsIgnored) {

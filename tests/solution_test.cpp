@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+using e2e::expectResult;
 using e2e::runQuillmake;
 using e2e::Sandbox;
 
@@ -44,13 +45,6 @@ struct SolutionRun {
         return runQuillmake(box, arguments);
     }
 };
-
-void expectResult(const e2e::RunResult &r, const std::string &out, const std::string &err,
-                  int status) {
-    EXPECT_EQ(r.out, out);
-    EXPECT_EQ(r.err, err);
-    EXPECT_EQ(r.status, status);
-}
 
 }  // namespace
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -50,7 +51,8 @@ protected:
     Strings jobs(ProjectElement *element, BuildFlags flags = BuildQuietChecks, bool batch = false,
                  int threads = 2) {
         ProjectJobList list;
-        driver.prepareBuild(element, "Debug", threads, {}, &idler, flags, true, batch, list);
+        driver = std::make_unique<ProjectSystemBuilder>(&system);
+        driver->prepareBuild(element, "Debug", threads, {}, &idler, flags, true, batch, list);
         Strings lines;
         for (const ProjectJob *job : list) {
             std::string line = std::to_string(job->number) + " " + system.elementName(job->element);
@@ -61,8 +63,11 @@ protected:
             else if (job->flags & BuildJobEnd)
                 line += (job->flags & BuildFilesAreJobs) ? " end+files" : " end";
             std::string dependencies;
-            for (const ProjectJob *dependency : job->dependencies)
-                dependencies += (dependencies.empty() ? "" : ",") + std::to_string(dependency->number);
+            for (const ProjectJob *dependency : job->dependencies) {
+                if (!dependencies.empty())
+                    dependencies += ',';
+                dependencies += std::to_string(dependency->number);
+            }
             if (!dependencies.empty())
                 line += " [" + dependencies + "]";
             lines.push_back(line);
@@ -77,7 +82,7 @@ protected:
     StandardProjectSystem system{&macros};
     RecordingHelpers helpers;
     CountingIdler idler;
-    ProjectSystemBuilder driver{&system};
+    std::unique_ptr<ProjectSystemBuilder> driver;  // a new one for each job list
 };
 
 TEST_F(BuildOrder, DependenciesComeFirstWhateverTheirPlaceInTheFile) {
@@ -88,102 +93,94 @@ TEST_F(BuildOrder, DependenciesComeFirstWhateverTheirPlaceInTheFile) {
   <project Name="Lib"><file file_name="lib.c" /></project>
   <project Name="Alone" />
 )");
-    EXPECT_EQ(jobs(system.solution), (Strings{
-                                         "1 Lib begin(2)",
-                                         "2 lib.c [1]",
-                                         "3 Lib end+files [2,1]",
-                                         "4 App begin(3) [3]",
-                                         "5 main.c [4]",
-                                         "6 util.c [4]",
-                                         "7 App end+files [5,6,4]",
-                                         "8 Alone begin(1)",
-                                         "9 Alone end+files [8]",
-                                     }));
+    EXPECT_EQ(jobs(system.solution), (Strings{"1 Lib begin(2)", "2 lib.c [1]", "3 Lib end+files [2,1]",
+                                              "4 App begin(3) [3]", "5 main.c [4]", "6 util.c [4]",
+                                              "7 App end+files [5,6,4]", "8 Alone begin(1)", "9 Alone end+files [8]"}));
     EXPECT_TRUE(helpers.warnings.empty());
     EXPECT_EQ(idler.steps, 6);
     // Lib is visited twice: as App's dependency and in the solution's list.
-    EXPECT_EQ(driver.projectCount, 4);
-    EXPECT_EQ(driver.threadCount, 2);
+    EXPECT_EQ(driver->projectCount, 4);
+    EXPECT_EQ(driver->threadCount, 2);
 }
 
-TEST_F(BuildOrder, ASharedDependencyIsBuiltOnce) {
-    load(R"(  <project Name="A"><configuration Name="Common" project_dependencies="C" /></project>
-  <project Name="B"><configuration Name="Common" project_dependencies="C" /></project>
-  <project Name="C" />
-)");
-    EXPECT_EQ(jobs(system.solution), (Strings{
-                                         "1 C begin(1)",
-                                         "2 C end+files [1]",
-                                         "3 A begin(1) [2]",
-                                         "4 A end+files [3]",
-                                         "5 B begin(1) [2]",
-                                         "6 B end+files [5]",
-                                     }));
-}
-
-TEST_F(BuildOrder, ExcludedProjectsGetNoJobsAndNothingWaitsOnThem) {
-    load(R"(  <project Name="App"><configuration Name="Common" project_dependencies="Off" /></project>
-  <project Name="Off"><configuration Name="Debug" build_exclude_from_build="Yes" /><file file_name="x.c" /></project>
-)");
-    EXPECT_EQ(jobs(system.solution), (Strings{"1 App begin(1)", "2 App end+files [1]"}));
-}
-
-TEST_F(BuildOrder, DependencyErrorsAreWordsAndTheBuildGoesOn) {
-    load(R"(  <project Name="App">
-    <configuration Name="Debug" />
-    <configuration Name="Common" project_dependencies="Missing;Special;Loop" />
-  </project>
-  <project Name="Special"><configuration Name="Other" /></project>
-  <project Name="Loop">
-    <configuration Name="Debug" />
-    <configuration Name="Common" project_dependencies="App" />
-  </project>
-)",
-         false);
-    EXPECT_EQ(jobs(system.solution), (Strings{
-                                         "1 App begin(1)",
-                                         "2 App end+files [1]",
-                                         "3 Loop begin(1)",
-                                         "4 Loop end+files [3]",
-                                         "5 Special begin(1)",
-                                         "6 Special end+files [5]",
-                                     }));
-    EXPECT_EQ(helpers.warnings,
-              (Strings{"Debug: Dependency error detected in 'App' | Can't find project 'Missing' | "
-                       "Configuration 'Debug' doesn't apply to dependent project 'Special' | "
-                       "Project 'App' has cyclic dependency on project 'Loop'",
-                       "Debug: Dependency error detected in 'Loop' | "
-                       "Project 'Loop' has cyclic dependency on project 'App'"}));
-}
-
-TEST_F(BuildOrder, StagingDependenciesAreChainedUnlessTheyMayRunInParallel) {
-    load(R"(  <project Name="Stage">
-    <configuration Name="Common" project_type="Staging" project_dependencies="P1;P2;P3" />
-  </project>
-  <project Name="Parallel">
-    <configuration Name="Common" project_type="Staging" project_can_build_in_parallel="Yes"
-                   project_dependencies="P1;P2" />
-  </project>
-  <project Name="P1" /><project Name="P2" /><project Name="P3" />
-)");
-    EXPECT_EQ(jobs(project("Stage")), (Strings{
-                                          "1 P1 begin(1)",
-                                          "2 P1 end+files [1]",
-                                          "3 P2 begin(1) [2]",
-                                          "4 P2 end+files [3]",
-                                          "5 P3 begin(1) [4]",
-                                          "6 P3 end+files [5]",
-                                          "7 Stage begin(1) [2,4,6]",
-                                          "8 Stage end+files [7]",
-                                      }));
-    EXPECT_EQ(jobs(project("Parallel")), (Strings{
-                                             "1 P1 begin(1)",
-                                             "2 P1 end+files [1]",
-                                             "3 P2 begin(1)",
-                                             "4 P2 end+files [3]",
-                                             "5 Parallel begin(1) [2,4]",
-                                             "6 Parallel end+files [5]",
-                                         }));
+TEST_F(BuildOrder, JobListsAndDependencyErrors) {
+    const struct {
+        const char *body;
+        const char *root;  // a project, a file "P/f" or, empty, the solution
+        Strings jobs;
+        Strings warnings = {};
+        BuildFlags flags = BuildQuietChecks;
+        bool batch = false;
+        int threads = 2;
+        bool solutionConfigurations = true;
+        int slots = 2;  // the slots the driver uses
+    } cases[] = {
+        // A shared dependency is built once.
+        {R"(<project Name="A"><configuration Name="Common" project_dependencies="C" /></project>
+            <project Name="B"><configuration Name="Common" project_dependencies="C" /></project>
+            <project Name="C" />)",
+         "",
+         {"1 C begin(1)", "2 C end+files [1]", "3 A begin(1) [2]", "4 A end+files [3]", "5 B begin(1) [2]",
+          "6 B end+files [5]"}},
+        // Excluded projects get no jobs and nothing waits on them.
+        {R"(<project Name="App"><configuration Name="Common" project_dependencies="Off" /></project>
+            <project Name="Off"><configuration Name="Debug" build_exclude_from_build="Yes" />
+            <file file_name="x.c" /></project>)",
+         "",
+         {"1 App begin(1)", "2 App end+files [1]"}},
+        // Dependency errors are words, and the build goes on.
+        {R"(<project Name="App"><configuration Name="Debug" />
+            <configuration Name="Common" project_dependencies="Missing;Special;Loop" /></project>
+            <project Name="Special"><configuration Name="Other" /></project>
+            <project Name="Loop"><configuration Name="Debug" />
+            <configuration Name="Common" project_dependencies="App" /></project>)",
+         "",
+         {"1 App begin(1)", "2 App end+files [1]", "3 Loop begin(1)", "4 Loop end+files [3]", "5 Special begin(1)",
+          "6 Special end+files [5]"},
+         {"Debug: Dependency error detected in 'App' | Can't find project 'Missing' | "
+          "Configuration 'Debug' doesn't apply to dependent project 'Special' | "
+          "Project 'App' has cyclic dependency on project 'Loop'",
+          "Debug: Dependency error detected in 'Loop' | Project 'Loop' has cyclic dependency on project 'App'"},
+         BuildQuietChecks, false, 2, false},
+        // The dependencies of a staging project are chained unless they may
+        // run in parallel.
+        {R"(<project Name="Stage"><configuration Name="Common" project_type="Staging" project_dependencies="P1;P2;P3" />
+            </project><project Name="P1" /><project Name="P2" /><project Name="P3" />)",
+         "Stage",
+         {"1 P1 begin(1)", "2 P1 end+files [1]", "3 P2 begin(1) [2]", "4 P2 end+files [3]", "5 P3 begin(1) [4]",
+          "6 P3 end+files [5]", "7 Stage begin(1) [2,4,6]", "8 Stage end+files [7]"}},
+        {R"(<project Name="Parallel"><configuration Name="Common" project_type="Staging"
+            project_can_build_in_parallel="Yes" project_dependencies="P1;P2" /></project>
+            <project Name="P1" /><project Name="P2" />)",
+         "Parallel",
+         {"1 P1 begin(1)", "2 P1 end+files [1]", "3 P2 begin(1)", "4 P2 end+files [3]", "5 Parallel begin(1) [2,4]",
+          "6 Parallel end+files [5]"}},
+        // A batch builds every chosen configuration, without file jobs.
+        {R"(<configuration Name="Debug_Ext" />
+            <project Name="App"><configuration Name="Common" batch_build_configurations="D*;Release" />
+            <file file_name="main.c" /></project>
+            <project Name="None"><file file_name="other.c" /></project>)",
+         "",
+         {"1 App begin(2)", "2 App end [1]", "3 App/Debug_Ext begin(2)", "4 App/Debug_Ext end [3]",
+          "5 App/Release begin(2)", "6 App/Release end [5]"},
+         {},
+         BuildQuietChecks | BuildBatch,
+         true},
+        // One file runs on one slot.
+        {R"(<project Name="App"><file file_name="main.c" /></project>)", "App/main.c",
+         {"1 main.c begin(1)", "2 main.c end"}, {}, BuildQuietChecks, false, 8, true, 1},
+    };
+    for (const auto &c : cases) {
+        helpers.warnings.clear();
+        load(std::string(c.body) + "\n", c.solutionConfigurations);
+        const std::string root = c.root;
+        ProjectElement *element = root.empty() ? system.solution : project(root.substr(0, root.find('/')));
+        if (root.find('/') != std::string::npos)
+            element = system.findFileByPath(element, root.substr(root.find('/') + 1));
+        EXPECT_EQ(jobs(element, c.flags, c.batch, c.threads), c.jobs) << c.body;
+        EXPECT_EQ(helpers.warnings, c.warnings) << c.body;
+        EXPECT_EQ(driver->threadCount, c.slots) << c.body;
+    }
 }
 
 TEST_F(BuildOrder, WildcardDependenciesFollowTheNameOrder) {
@@ -192,55 +189,6 @@ TEST_F(BuildOrder, WildcardDependenciesFollowTheNameOrder) {
 )");
     EXPECT_EQ(system.projectDependencyNames(project("App"), "Debug"), (Strings{"liba", "libz", "Tool"}));
     EXPECT_EQ(system.allDependencies(project("App"), "Debug").size(), 3u);
-}
-
-TEST_F(BuildOrder, AProjectThatDependsOnItselfIsReportedAndBuiltOnce) {
-    load(R"(  <project Name="Self"><configuration Name="Common" project_dependencies="Self" /></project>
-)");
-    EXPECT_EQ(jobs(system.solution), (Strings{"1 Self begin(1)", "2 Self end+files [1]"}));
-    EXPECT_EQ(helpers.warnings, (Strings{"Debug: Dependency error detected in 'Self' | "
-                                         "Project 'Self' has cyclic dependency on project 'Self'"}));
-}
-
-TEST_F(BuildOrder, BatchBuildsEveryChosenConfigurationWithoutFileJobs) {
-    load(R"(  <configuration Name="Debug_Ext" />
-  <project Name="App">
-    <configuration Name="Common" batch_build_configurations="D*;Release" />
-    <file file_name="main.c" />
-  </project>
-  <project Name="None"><file file_name="other.c" /></project>
-)");
-    EXPECT_EQ(jobs(system.solution, BuildQuietChecks | BuildBatch, true), (Strings{
-                                                                              "1 App begin(2)",
-                                                                              "2 App end [1]",
-                                                                              "3 App/Debug_Ext begin(2)",
-                                                                              "4 App/Debug_Ext end [3]",
-                                                                              "5 App/Release begin(2)",
-                                                                              "6 App/Release end [5]",
-                                                                          }));
-}
-
-TEST_F(BuildOrder, AOneFileSelectionRunsOnOneSlot) {
-    load(R"(  <project Name="App"><file file_name="main.c" /></project>
-)");
-    EXPECT_EQ(jobs(system.findFileByPath(project("App"), "main.c"), BuildQuietChecks, false, 8),
-              (Strings{"1 main.c begin(1)", "2 main.c end"}));
-    EXPECT_EQ(driver.threadCount, 1);
-}
-
-TEST_F(BuildOrder, ProjectsWithAStagePostBuildCommandHaveNoFileJobs) {
-    load(R"(  <project Name="Stage">
-    <configuration Name="Common" project_type="Staging" stage_post_build_command="echo done" />
-    <file file_name="a.txt" /><file file_name="b.txt" />
-  </project>
-)");
-    EXPECT_EQ(jobs(project("Stage")), (Strings{"1 Stage begin(3)", "2 Stage end [1]"}));
-    EXPECT_EQ(jobs(system.solution), (Strings{
-                                         "1 Stage begin(3)",
-                                         "2 a.txt [1]",
-                                         "3 b.txt [1]",
-                                         "4 Stage end+files [2,3,1]",
-                                     }));
 }
 
 TEST_F(BuildOrder, TitlesNameTheVerbTheNodeAndTheConfiguration) {
@@ -257,38 +205,26 @@ TEST_F(BuildOrder, TitlesNameTheVerbTheNodeAndTheConfiguration) {
     EXPECT_EQ(system.stepTitle(file, "Debug", BuildNoTitle), "");
 }
 
-TEST_F(BuildOrder, FoldersAndNestedSolutionsComeFirstAtAnyDepth) {
-    std::string body = "  <project Name=\"Top\" />\n";
+// The walks keep their own stacks: deep folders and long dependency chains
+// don't exhaust the program's. Folders and nested solutions come first.
+TEST_F(BuildOrder, DeepTreesAndLongChainsAreOrdered) {
     const int depth = 10000;
+    std::string body;
+    for (int i = 0; i < depth; ++i)
+        body += "<project Name=\"P" + std::to_string(i) + "\"><configuration Name=\"Common\" " +
+                (i + 1 < depth ? "project_dependencies=\"P" + std::to_string(i + 1) + "\"" : "") + " /></project>\n";
     for (int i = 0; i < depth; ++i)
         body += "<folder Name=\"F" + std::to_string(i) + "\">";
     body += "<project Name=\"Deep\" />";
     for (int i = 0; i < depth; ++i)
         body += "</folder>";
-    body += "\n  <solution Name=\"Inner\"><project Name=\"Nested\" /></solution>\n";
-    load(body);
-    EXPECT_EQ(jobs(system.solution), (Strings{
-                                         "1 Deep begin(1)",
-                                         "2 Deep end+files [1]",
-                                         "3 Nested begin(1)",
-                                         "4 Nested end+files [3]",
-                                         "5 Top begin(1)",
-                                         "6 Top end+files [5]",
-                                     }));
-}
-
-TEST_F(BuildOrder, ALongDependencyChainIsOrdered) {
-    std::string body;
-    const int length = 10000;
-    for (int i = 0; i < length; ++i)
-        body += "  <project Name=\"P" + std::to_string(i) + "\"><configuration Name=\"Common\" " +
-                (i + 1 < length ? "project_dependencies=\"P" + std::to_string(i + 1) + "\"" : "") +
-                " /></project>\n";
-    load(body);
+    load(body + "\n<solution Name=\"Inner\"><project Name=\"Nested\" /></solution>\n");
     const Strings list = jobs(system.solution);
-    ASSERT_EQ(list.size(), std::size_t(2 * length));
-    EXPECT_EQ(list.front(), "1 P9999 begin(1)");
-    EXPECT_EQ(list.back(), "20000 P0 end+files [19999]");
+    ASSERT_EQ(list.size(), std::size_t(2 * depth + 4));
+    EXPECT_EQ(Strings(list.begin(), list.begin() + 5), (Strings{"1 Deep begin(1)", "2 Deep end+files [1]",
+                                                               "3 Nested begin(1)", "4 Nested end+files [3]",
+                                                               "5 P9999 begin(1)"}));
+    EXPECT_EQ(list.back(), "20004 P0 end+files [20003]");
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -82,123 +83,79 @@ private:
 
 class Scheduler : public ::testing::Test {
 protected:
-    void load(const std::string &files) {
-        const std::string file = directory.write(
-            "s.tbp", "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"2\">\n"
-                     "  <configuration Name=\"Debug\" />\n  <project Name=\"P\">\n"
-                     "    <configuration Name=\"Common\" project_type=\"Staging\" />\n" +
-                         files + "  </project>\n</solution>\n");
-        system.loadSolution(file);
+    // A project P of the files named, blank-separated.
+    void load(const std::string &names) {
+        std::string files;
+        std::istringstream words(names);
+        for (std::string name; words >> name;)
+            files += "<file file_name=\"" + name + "\" />";
+        system.loadSolution(directory.write(
+            "s.tbp", "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"2\"><configuration Name=\"Debug\" />"
+                     "<project Name=\"P\"><configuration Name=\"Common\" project_type=\"Staging\" />" +
+                         files + "</project></solution>\n"));
     }
 
-    int build(int slots, BuildFlags flags = BuildQuietChecks) {
-        for (int i = 0; i < slots; ++i)
-            fakes.push_back(std::make_unique<FakeBuilder>(i + 1, log, statuses));
+    // A builder per slot, for the given driver.
+    int build(ProjectSystemBuilder &driver, int slots, BuildFlags flags) {
         std::vector<Builder *> builders;
-        for (auto &fake : fakes)
-            builders.push_back(fake.get());
+        for (int i = 0; i < slots; ++i)
+            builders.push_back(fakes.emplace_back(std::make_unique<FakeBuilder>(i + 1, log, statuses)).get());
         return driver.build(system.solution, "Debug", slots, builders, &idler, flags, true, false);
     }
 
     TestDirectory directory;
     SystemMacros macros;
     ScriptedSystem system{&macros};
-    ProjectSystemBuilder driver{&system};
     Idler idler;
     Strings log;
     std::map<std::string, int> statuses;
     std::vector<std::unique_ptr<FakeBuilder>> fakes;
 };
 
-TEST_F(Scheduler, OneSlotFinishesEachJobBeforeTheNext) {
-    load("<file file_name=\"a.c\" /><file file_name=\"quiet.c\" /><file file_name=\"b.c\" />");
-    EXPECT_EQ(build(1), ProjectSystemBuilder::Built);
-    EXPECT_EQ(log, (Strings{
-                       "1: begin Compiling 'a.c'",
-                       "1: start cc a.c",
-                       "1: done cc a.c 0",
-                       "1: start post a.c",
-                       "1: done post a.c 0",
-                       "1: end",
-                       "1: begin Compiling 'b.c'",
-                       "1: start cc b.c",
-                       "1: done cc b.c 0",
-                       "1: start post b.c",
-                       "1: done post b.c 0",
-                       "1: end",
-                   }));
-}
-
-TEST_F(Scheduler, TwoSlotsRunTwoCommandsAtOnce) {
-    load("<file file_name=\"a.c\" /><file file_name=\"b.c\" />");
-    EXPECT_EQ(build(2), ProjectSystemBuilder::Built);
-    // Slot 1 takes the project's begin job, slot 2 the file job of a.c,
-    // which waits for it; then each slot starts a command in turn.
-    EXPECT_EQ(log, (Strings{
-                       "2: begin Compiling 'a.c'",
-                       "2: start cc a.c",
-                       "1: begin Compiling 'b.c'",
-                       "1: start cc b.c",
-                       "2: done cc a.c 0",
-                       "2: start post a.c",
-                       "1: done cc b.c 0",
-                       "1: start post b.c",
-                       "2: done post a.c 0",
-                       "2: end",
-                       "1: done post b.c 0",
-                       "1: end",
-                   }));
-}
-
-TEST_F(Scheduler, AFailedCommandStopsItsJobAndTheBuild) {
-    load("<file file_name=\"a.c\" /><file file_name=\"b.c\" /><file file_name=\"c.c\" />");
-    statuses["cc a.c"] = 1;
-    EXPECT_EQ(build(2), ProjectSystemBuilder::Failed);
-    EXPECT_EQ(log, (Strings{
-                       "2: begin Compiling 'a.c'",
-                       "2: start cc a.c",
-                       "1: begin Compiling 'b.c'",
-                       "1: start cc b.c",
-                       "2: done cc a.c 1",
-                       "2: error Build failed, exit status 0x1",
-                       "1: stop",
-                   }));
-}
-
-TEST_F(Scheduler, KeepGoingReportsAndHandsOutTheRest) {
-    load("<file file_name=\"a.c\" /><file file_name=\"b.c\" />");
-    statuses["cc a.c"] = 11;
-    EXPECT_EQ(build(1, BuildQuietChecks | BuildKeepGoing), ProjectSystemBuilder::Built);
-    EXPECT_EQ(log, (Strings{
-                       "1: begin Compiling 'a.c'",
-                       "1: start cc a.c",
-                       "1: done cc a.c 11",
-                       "1: error Build failed, exit status 0xb 'a.c' in configuration 'Debug' "
-                       "continuing because 'keep going on error' has been enabled",
-                       "1: begin Compiling 'b.c'",
-                       "1: start cc b.c",
-                       "1: done cc b.c 0",
-                       "1: start post b.c",
-                       "1: done post b.c 0",
-                       "1: end",
-                   }));
-}
-
-TEST_F(Scheduler, AReportedErrorFailsTheJob) {
-    load("<file file_name=\"error.c\" /><file file_name=\"b.c\" />");
-    EXPECT_EQ(build(1), ProjectSystemBuilder::Failed);
-    EXPECT_EQ(log, (Strings{
-                       "1: begin Compiling 'error.c'",
-                       "1: error cannot compile",
-                       "1: end",
-                       "1: error Build failed, exit status 0x1",
-                   }));
-}
-
-TEST_F(Scheduler, NothingToDoIsStatusZero) {
-    load("<file file_name=\"quiet.c\" />");
-    EXPECT_EQ(build(2), ProjectSystemBuilder::NothingBuilt);
-    EXPECT_TRUE(log.empty());
+TEST_F(Scheduler, SlotsReplayTheirJobsCommandByCommand) {
+    const struct {
+        const char *name;
+        const char *files;
+        int slots;
+        BuildFlags flags;
+        std::map<std::string, int> statuses;
+        int result;
+        Strings log;
+    } cases[] = {
+        {"one slot finishes each job before the next", "a.c quiet.c b.c", 1, BuildQuietChecks, {},
+         ProjectSystemBuilder::Built,
+         {"1: begin Compiling 'a.c'", "1: start cc a.c", "1: done cc a.c 0", "1: start post a.c", "1: done post a.c 0",
+          "1: end", "1: begin Compiling 'b.c'", "1: start cc b.c", "1: done cc b.c 0", "1: start post b.c",
+          "1: done post b.c 0", "1: end"}},
+        // Slot 1 takes the project's begin job, slot 2 the file job of a.c,
+        // which waits for it; then each slot starts a command in turn.
+        {"two slots run two commands at once", "a.c b.c", 2, BuildQuietChecks, {}, ProjectSystemBuilder::Built,
+         {"2: begin Compiling 'a.c'", "2: start cc a.c", "1: begin Compiling 'b.c'", "1: start cc b.c",
+          "2: done cc a.c 0", "2: start post a.c", "1: done cc b.c 0", "1: start post b.c", "2: done post a.c 0",
+          "2: end", "1: done post b.c 0", "1: end"}},
+        {"a failed command stops its job and the build", "a.c b.c c.c", 2, BuildQuietChecks, {{"cc a.c", 1}},
+         ProjectSystemBuilder::Failed,
+         {"2: begin Compiling 'a.c'", "2: start cc a.c", "1: begin Compiling 'b.c'", "1: start cc b.c",
+          "2: done cc a.c 1", "2: error Build failed, exit status 0x1", "1: stop"}},
+        {"keep going reports and hands out the rest", "a.c b.c", 1, BuildQuietChecks | BuildKeepGoing,
+         {{"cc a.c", 11}}, ProjectSystemBuilder::Built,
+         {"1: begin Compiling 'a.c'", "1: start cc a.c", "1: done cc a.c 11",
+          "1: error Build failed, exit status 0xb 'a.c' in configuration 'Debug' "
+          "continuing because 'keep going on error' has been enabled",
+          "1: begin Compiling 'b.c'", "1: start cc b.c", "1: done cc b.c 0", "1: start post b.c",
+          "1: done post b.c 0", "1: end"}},
+        {"a reported error fails the job", "error.c b.c", 1, BuildQuietChecks, {}, ProjectSystemBuilder::Failed,
+         {"1: begin Compiling 'error.c'", "1: error cannot compile", "1: end", "1: error Build failed, exit status 0x1"}},
+        {"nothing to do is status zero", "quiet.c", 2, BuildQuietChecks, {}, ProjectSystemBuilder::NothingBuilt, {}},
+    };
+    for (const auto &c : cases) {
+        load(c.files);
+        log.clear();
+        statuses = c.statuses;
+        ProjectSystemBuilder driver(&system);
+        EXPECT_EQ(build(driver, c.slots, c.flags), c.result) << c.name;
+        EXPECT_EQ(log, c.log) << c.name;
+    }
 }
 
 // A driver that cancels after a number of passes, as an interrupt does.
@@ -214,21 +171,12 @@ public:
 };
 
 TEST_F(Scheduler, CancellingStopsTheBusySlots) {
-    load("<file file_name=\"a.c\" /><file file_name=\"b.c\" />");
+    load("a.c b.c");
     CancellingDriver cancelling(&system);
     // Passes are counted from the graph's making: one visit of the project.
     cancelling.cancelAfter = 4;
-    fakes.push_back(std::make_unique<FakeBuilder>(1, log, statuses));
-    fakes.push_back(std::make_unique<FakeBuilder>(2, log, statuses));
-    EXPECT_EQ(cancelling.build(system.solution, "Debug", 2, {fakes[0].get(), fakes[1].get()}, &idler,
-                               BuildQuietChecks, true, false),
-              ProjectSystemBuilder::Cancelled);
-    EXPECT_EQ(log, (Strings{
-                       "2: begin Compiling 'a.c'",
-                       "2: start cc a.c",
-                       "1: stop",
-                       "2: stop",
-                   }));
+    EXPECT_EQ(build(cancelling, 2, BuildQuietChecks), ProjectSystemBuilder::Cancelled);
+    EXPECT_EQ(log, (Strings{"2: begin Compiling 'a.c'", "2: start cc a.c", "1: stop", "2: stop"}));
 }
 
 }  // namespace

@@ -6,13 +6,16 @@
 #include "build/project_system_builder.h"
 #include "build/standard_project_system.h"
 #include "environment/install_location.h"
+#include "support/command_line.h"
 #include "support/test_directory.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <map>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -56,14 +59,17 @@ protected:
     }
 
     QuillmakeBuilder &builder(Options options = {}) {
+        for (FILE *stream : {out, err}) {
+            EXPECT_EQ(ftruncate(fileno(stream), 0), 0);
+            rewind(stream);
+        }
         builder_ = std::make_unique<QuillmakeBuilder>(&driver, options.prefix, options.echo, options.show,
                                                       options.noStderr, options.verbose, &idler, out, err);
         return *builder_;
     }
 
     // Runs a command to its end; the result is the exit status.
-    int run(const Arguments &arguments, const std::string &outputFile = {},
-            const std::string &workingDirectory = {}) {
+    int run(const Arguments &arguments, const std::string &outputFile = {}, const std::string &workingDirectory = {}) {
         builder_->addCommand(workingDirectory, arguments, outputFile);
         int status = -1000;
         while (!builder_->waitForCommand(nullptr, "Debug", status)) {
@@ -94,93 +100,87 @@ protected:
     std::unique_ptr<QuillmakeBuilder> builder_;
 };
 
-TEST_F(Console, AQuietStepLeavesNoTrace) {
-    builder();
-    EXPECT_EQ(step("Compiling 'a.c'", {"true"}), 0);
-    builder_->beginStep(nullptr, "Checking 'b.c'", "Debug", 0);
-    builder_->endStep(nullptr, "Debug");
-    EXPECT_EQ(output(), "");
-    EXPECT_EQ(errors(), "");
-    EXPECT_EQ(builder_->errorCount, 0);
-    EXPECT_FALSE(driver.failed);
+// Steps as the scheduler replays them, an action a line: "begin TITLE",
+// "end", "sh SCRIPT" or "run COMMAND LINE" (a command run to its end), or a
+// report and its text.
+TEST_F(Console, WhatAUserSeesOfTheSteps) {
+    const std::map<std::string, void (Builder::*)(const std::string &)> reports = {
+        {"error", &Builder::reportError},     {"warning", &Builder::reportWarning},
+        {"detail", &Builder::reportDetail},   {"outcome", &Builder::reportOutcome},
+        {"message", &Builder::reportMessage},
+    };
+    const struct {
+        Options options;
+        std::vector<std::string> actions;
+        std::string out, err;
+        std::vector<int> statuses;
+        int errorCount = 0;
+    } cases[] = {
+        // The title goes to the stream of the line that brings it out; a
+        // title that nothing showed is forgotten at the end of its step.
+        {{},
+         {"begin Compiling 'a.c'", "sh echo one; echo two", "end", "begin Compiling 'b.c'", "sh echo warning >&2", "end",
+          "begin Compiling 'c.c'", "sh true", "end", "begin Compiling 'd.c'", "sh echo; echo last", "end"},
+         "Compiling 'a.c'\none\ntwo\nCompiling 'd.c'\n\nlast\n", "Compiling 'b.c'\nwarning\n", {0, 0, 0, 0}},
+        // A slot's lines carry its number, but the title it brings out does
+        // not; tool output passes through byte for byte.
+        {{.prefix = 1}, {"begin T", "sh printf 'a\\000b\\377\\n\\tc'", "end"}, std::string("T\n1>a\0b\xff\n1>\tc\n", 14),
+         "", {0}},
+        // Reports show a hidden title once; only errors count, and the
+        // scheduler fails the job.
+        {{},
+         {"begin Compiling 'a.c'", "sh echo said", "error first", "error second", "end", "begin Linking 'a.elf'",
+          "error third", "end"},
+         "Compiling 'a.c'\nsaid\nLinking 'a.elf'\n", "first\nsecond\nthird\n", {0}, 3},
+        {{},
+         {"begin Archiving 'lib.a'", "detail a.o does not exist.", "warning b.o supplied more than once", "end",
+          "begin Copying 'x'", "outcome nothing to do", "message Output Directory property has changed.", "end"},
+         "Archiving 'lib.a'\na.o does not exist.\nb.o supplied more than once\n"
+         "Copying 'x'\nnothing to do\nOutput Directory property has changed.\n",
+         "", {}},
+        {{.noStderr = true}, {"begin Compiling 'a.c'", "sh echo bad >&2", "error failed"},
+         "Compiling 'a.c'\nbad\nfailed\n", "", {0}, 1},
+        // A failure names the command, on standard output, once the title is
+        // out.
+        {{.prefix = 1}, {"begin Compiling 'a.c'", "sh echo 'a.c:1: error' >&2; exit 1", "end"},
+         "1>Error executing /bin/sh -c echo 'a.c:1: error' >&2; exit 1\n", "Compiling 'a.c'\n1>a.c:1: error\n", {1}},
+        {{}, {"begin Compiling 'a.c'", "run echo hi > /quillmake-no-such-directory/log.txt", "end"},
+         "Compiling 'a.c'\nhi\n", "", {0}},
+        // Verbose titles come out at once, and aren't repeated; show runs
+        // nothing and leaves the status as it was.
+        {{.verbose = true},
+         {"begin Compiling 'a.c'", "sh echo said", "error failed", "end", "begin Checking 'a.c'", "end"},
+         "Compiling 'a.c'\nsaid\nChecking 'a.c'\n", "failed\n", {0}, 1},
+        {{.echo = true, .show = true, .verbose = true}, {"begin Compiling 'a.c'", "run cc -c a.c", "end"},
+         "Compiling 'a.c'\ncc -c a.c\n", "", {-1000}},
+    };
+    for (std::size_t row = 0; row < std::size(cases); ++row) {
+        const auto &c = cases[row];
+        builder(c.options);
+        std::vector<int> statuses;
+        for (const std::string &action : c.actions) {
+            const std::string verb = action.substr(0, action.find(' '));
+            const std::string text = action.substr(std::min(action.size(), verb.size() + 1));
+            if (verb == "begin")
+                builder_->beginStep(nullptr, text, "Debug", 0);
+            else if (verb == "end")
+                builder_->endStep(nullptr, "Debug");
+            else if (verb == "sh")
+                statuses.push_back(run(shell(text)));
+            else if (verb == "run")
+                statuses.push_back(run(splitCommandLine(text)));
+            else
+                (builder_.get()->*reports.at(verb))(text);
+        }
+        EXPECT_EQ(output(), c.out) << "row " << row;
+        EXPECT_EQ(errors(), c.err) << "row " << row;
+        EXPECT_EQ(statuses, c.statuses) << "row " << row;
+        EXPECT_EQ(builder_->errorCount, c.errorCount) << "row " << row;
+        EXPECT_FALSE(driver.failed) << "row " << row;
+    }
 }
 
-TEST_F(Console, TheTitleComesOutOnceBeforeTheFirstLineOfItsStep) {
-    builder();
-    EXPECT_EQ(step("Compiling 'a.c'", shell("echo one; echo two")), 0);
-    // The title goes to the stream of the line that brings it out.
-    EXPECT_EQ(step("Compiling 'b.c'", shell("echo warning >&2")), 0);
-    // A title that nothing showed is forgotten at the end of its step.
-    EXPECT_EQ(step("Compiling 'c.c'", {"true"}), 0);
-    EXPECT_EQ(step("Compiling 'd.c'", shell("echo; echo last")), 0);
-    EXPECT_EQ(output(), "Compiling 'a.c'\none\ntwo\nCompiling 'd.c'\n\nlast\n");
-    EXPECT_EQ(errors(), "Compiling 'b.c'\nwarning\n");
-}
-
-TEST_F(Console, ASlotsLinesCarryItsNumberButTheTitleItBringsOutDoesNot) {
-    builder({.prefix = 2});
-    EXPECT_EQ(step("Compiling 'a.c'", shell("echo one; echo two >&2")), 0);
-    EXPECT_EQ(output(), "Compiling 'a.c'\n2>one\n");
-    EXPECT_EQ(errors(), "2>two\n");
-}
-
-TEST_F(Console, ReportErrorShowsAHiddenTitleOnceAndCounts) {
-    builder();
-    builder_->beginStep(nullptr, "Compiling 'a.c'", "Debug", 0);
-    EXPECT_EQ(run(shell("echo said")), 0);
-    builder_->reportError("first");
-    builder_->reportError("second");
-    builder_->endStep(nullptr, "Debug");
-    builder_->beginStep(nullptr, "Linking 'a.elf'", "Debug", 0);
-    builder_->reportError("third");
-    builder_->endStep(nullptr, "Debug");
-    EXPECT_EQ(output(), "Compiling 'a.c'\nsaid\nLinking 'a.elf'\n");
-    EXPECT_EQ(errors(), "first\nsecond\nthird\n");
-    EXPECT_EQ(builder_->errorCount, 3);
-    // The scheduler fails the job; the builder only counts.
-    EXPECT_FALSE(driver.failed);
-}
-
-TEST_F(Console, ReportErrorWithAPrefix) {
-    builder({.prefix = 2});
-    builder_->beginStep(nullptr, "Linking 'a.elf'", "Debug", 0);
-    builder_->reportError("undefined symbol");
-    EXPECT_EQ(output(), "2>Linking 'a.elf'\n");
-    EXPECT_EQ(errors(), "2>undefined symbol\n");
-}
-
-TEST_F(Console, OtherReportsShowTheTitleAndCountNothing) {
-    builder();
-    builder_->beginStep(nullptr, "Archiving 'lib.a'", "Debug", 0);
-    builder_->reportDetail("a.o does not exist.");
-    builder_->reportWarning("b.o supplied more than once");
-    builder_->endStep(nullptr, "Debug");
-    builder_->beginStep(nullptr, "Copying 'x'", "Debug", 0);
-    builder_->reportOutcome("nothing to do");
-    builder_->reportMessage("Output Directory property has changed.");
-    builder_->endStep(nullptr, "Debug");
-    EXPECT_EQ(output(), "Archiving 'lib.a'\na.o does not exist.\nb.o supplied more than once\n"
-                        "Copying 'x'\nnothing to do\nOutput Directory property has changed.\n");
-    EXPECT_EQ(errors(), "");
-    EXPECT_EQ(builder_->errorCount, 0);
-}
-
-TEST_F(Console, NoStderrSendsErrorOutputToStandardOutput) {
-    builder({.noStderr = true});
-    builder_->beginStep(nullptr, "Compiling 'a.c'", "Debug", 0);
-    EXPECT_EQ(run(shell("echo bad >&2")), 0);
-    builder_->reportError("failed");
-    EXPECT_EQ(output(), "Compiling 'a.c'\nbad\nfailed\n");
-    EXPECT_EQ(errors(), "");
-}
-
-TEST_F(Console, ToolOutputPassesThroughByteForByte) {
-    builder({.prefix = 1});
-    EXPECT_EQ(step("T", shell("printf 'a\\000b\\377\\n\\tc'")), 0);
-    EXPECT_EQ(output(), std::string("T\n1>a\0b\xff\n1>\tc\n", 14));
-}
-
-TEST_F(Console, EchoPrintsCommandsAndDeletions) {
+TEST_F(Console, EchoPrintsCommandsAndDeletionsAndShowRunsNone) {
     builder({.echo = true});
     const std::string made = directory / "made.txt";
     builder_->beginStep(nullptr, "Compiling 'a.c'", "Debug", 0);
@@ -189,39 +189,17 @@ TEST_F(Console, EchoPrintsCommandsAndDeletions) {
     builder_->endStep(nullptr, "Debug");
     EXPECT_FALSE(exists(made));
     EXPECT_EQ(output(), "/bin/sh -c echo ran > \"$0\" " + made + "\nrm " + made + "\n");
-}
 
-TEST_F(Console, ShowPrintsAndRunsNothing) {
     builder({.echo = true, .show = true});
     const std::string kept = directory.write("kept.o", "x");
-    const std::string made = directory / "sub/made.o";
     builder_->beginStep(nullptr, "Compiling 'a.c'", "Debug", 0);
-    builder_->addCommand(directory.path(), {"touch", made}, made);
-    int status = 77;
-    EXPECT_TRUE(builder_->waitForCommand(nullptr, "Debug", status));
-    EXPECT_EQ(status, 77);
+    EXPECT_EQ(run({"touch", directory / "sub/made.o"}, directory / "sub/made.o", directory.path()), -1000);
     builder_->deleteFile(kept, false);
     builder_->endStep(nullptr, "Debug");
     EXPECT_TRUE(exists(kept));
-    EXPECT_FALSE(exists(made));
-    EXPECT_EQ(output(), "touch " + made + "\nrm " + kept + "\n");
+    EXPECT_FALSE(exists(directory / "sub/made.o"));
+    EXPECT_EQ(output(), "touch " + directory / "sub/made.o" + "\nrm " + kept + "\n");
     EXPECT_EQ(builder_->errorCount, 0);
-}
-
-TEST_F(Console, ShowAloneIsSilent) {
-    builder({.show = true});
-    builder_->beginStep(nullptr, "Compiling 'a.c'", "Debug", 0);
-    builder_->addCommand("", {"false"}, "");
-    int status = 0;
-    EXPECT_TRUE(builder_->waitForCommand(nullptr, "Debug", status));
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(output(), "");
-}
-
-TEST_F(Console, ShowVerbosePrintsTitlesAndCommands) {
-    builder({.echo = true, .show = true, .verbose = true});
-    EXPECT_EQ(step("Compiling 'a.c'", {"cc", "-c", "a.c"}), -1000);
-    EXPECT_EQ(output(), "Compiling 'a.c'\ncc -c a.c\n");
 }
 
 TEST_F(Console, AFailedCommandIsNamedAndItsOutputFileDeleted) {
@@ -236,13 +214,6 @@ TEST_F(Console, AFailedCommandIsNamedAndItsOutputFileDeleted) {
     // The scheduler's report of the status is the error that counts.
     EXPECT_EQ(builder_->errorCount, 0);
     EXPECT_FALSE(driver.failed);
-}
-
-TEST_F(Console, AFailureAfterOutputNamesTheCommandOnceTheTitleIsOut) {
-    builder({.prefix = 1});
-    EXPECT_EQ(step("Compiling 'a.c'", shell("echo 'a.c:1: error' >&2; exit 1")), 1);
-    EXPECT_EQ(output(), "1>Error executing /bin/sh -c echo 'a.c:1: error' >&2; exit 1\n");
-    EXPECT_EQ(errors(), "Compiling 'a.c'\n1>a.c:1: error\n");
 }
 
 TEST_F(Console, AProgramThatCantBeStartedEndsWith255) {
@@ -274,12 +245,6 @@ TEST_F(Console, NothingToRunCantBeExecutedAndCounts) {
     EXPECT_EQ(output(), "Compiling 'a.c'\ncan't execute command \"> log.txt\"\nError executing > log.txt\n");
 }
 
-TEST_F(Console, AnUnwritableRedirectionLeavesTheOutputOnTheConsole) {
-    builder();
-    EXPECT_EQ(step("Compiling 'a.c'", {"echo", "hi", ">", directory / "no-such-directory/log.txt"}), 0);
-    EXPECT_EQ(output(), "Compiling 'a.c'\nhi\n");
-}
-
 TEST_F(Console, TheInstallationsToolsAreRunFromIt) {
     // An installation whose cp only says what it was asked.
     const std::string tool = directory.write("install/bin/cp", "#!/bin/sh\necho \"installed cp $*\"\n");
@@ -293,7 +258,7 @@ TEST_F(Console, TheInstallationsToolsAreRunFromIt) {
     EXPECT_EQ(output(), "cp a.txt b.txt\nCopying 'a.txt'\ninstalled cp a.txt b.txt\n");
 }
 
-TEST_F(Console, DeleteFile) {
+TEST_F(Console, AFileThatCantBeDeletedCountsTwice) {
     builder();
     const std::string file = directory.write("a.o", "x");
     builder_->deleteFile(file, false);
@@ -308,71 +273,28 @@ TEST_F(Console, DeleteFile) {
     // Counted as an error and as a failed step.
     EXPECT_EQ(builder_->errorCount, 2);
     EXPECT_TRUE(driver.failed);
-}
 
-TEST_F(Console, WithoutADriverFailuresStillCount) {
+    // Without a driver too; verbose, its title is out at once.
     QuillmakeBuilder alone(nullptr, 0, false, false, false, true, nullptr, out, err);
     alone.beginStep(nullptr, "Cleaning", "Debug", 0);
-    alone.deleteFile(directory / "missing.o", false);
+    alone.deleteFile(file, false);
     EXPECT_EQ(alone.errorCount, 2);
-    EXPECT_EQ(output(), "Cleaning\n");
+    EXPECT_EQ(output(), "Cleaning 'a.c'\nCleaning\n");
 }
 
 // Verbose titles name their project once a build visits more than one.
-class VerboseConsole : public Console {
-protected:
-    void SetUp() override {
-        const std::string file = directory.write(
-            "s.tbp", "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"2\">\n"
-                     "  <configuration Name=\"Debug\" />\n  <project Name=\"P\">\n"
-                     "    <folder Name=\"src\"><file file_name=\"a.c\" /></folder>\n"
-                     "  </project>\n</solution>\n");
-        system.loadSolution(file);
-        ASSERT_TRUE(system.solution);
-        project = ProjectSystem::firstChild(system.solution);
-        while (project && !ProjectSystem::isProject(project))
-            project = ProjectSystem::nextSibling(project);
-        ASSERT_TRUE(project);
-        ProjectElement *folder = ProjectSystem::firstChild(project);
-        while (folder && !ProjectSystem::isFolder(folder))
-            folder = ProjectSystem::nextSibling(folder);
-        ASSERT_TRUE(folder);
-        sourceFile = ProjectSystem::firstChild(folder);
-        ASSERT_TRUE(sourceFile && ProjectSystem::isFile(sourceFile));
-    }
-
-    ProjectElement *project = nullptr;
-    ProjectElement *sourceFile = nullptr;
-};
-
-TEST_F(VerboseConsole, OneProjectGivesTheTitleAlone) {
-    driver.projectCount = 1;
-    builder({.verbose = true});
-    builder_->beginStep(sourceFile, "Compiling 'a.c'", "Debug", 0);
-    EXPECT_EQ(run(shell("echo said")), 0);
-    builder_->reportError("failed");
-    builder_->endStep(sourceFile, "Debug");
-    builder_->beginStep(sourceFile, "Checking 'a.c'", "Debug", 0);
-    builder_->endStep(sourceFile, "Debug");
-    // A title printed at once isn't repeated by what follows.
-    EXPECT_EQ(output(), "Compiling 'a.c'\nsaid\nChecking 'a.c'\n");
-    EXPECT_EQ(errors(), "failed\n");
-}
-
-TEST_F(VerboseConsole, SeveralProjectsNameTheProjectAndConfiguration) {
+TEST_F(Console, VerboseTitlesOfSeveralProjectsNameTheProjectAndConfiguration) {
+    system.loadSolution(directory.write(
+        "s.tbp", "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"2\">\n"
+                 "<configuration Name=\"Debug\" /><project Name=\"P\"><file file_name=\"a.c\" /></project></solution>\n"));
+    ProjectElement *project = system.findProject(system.solution, "P");
+    ASSERT_TRUE(project);
     driver.projectCount = 2;
     builder({.prefix = 2, .verbose = true});
-    builder_->beginStep(sourceFile, "Compiling 'a.c'", "Debug", 0);
-    EXPECT_EQ(builder_->currentElement, sourceFile);
-    EXPECT_EQ(builder_->configuration, "Debug");
-    builder_->endStep(sourceFile, "Debug");
-    EXPECT_EQ(builder_->currentElement, nullptr);
-    EXPECT_EQ(builder_->configuration, "");
+    builder_->beginStep(system.findFileByPath(project, "a.c"), "Compiling 'a.c'", "Debug", 0);
     builder_->beginStep(project, "Linking 'P'", "Release", 0);
-    builder_->endStep(project, "Release");
     // A step outside any project has no project name and shows nothing.
     builder_->beginStep(system.solution, "Building 'S'", "Debug", 0);
-    builder_->endStep(system.solution, "Debug");
     EXPECT_EQ(output(), "2>Compiling 'a.c' from project 'P' in configuration 'Debug'\n"
                         "2>Linking 'P' from project 'P' in configuration 'Release'\n");
 }

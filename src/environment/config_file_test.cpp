@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -18,192 +19,146 @@ struct Configuration : ::testing::Test {
     TestDirectory scratch;
     UserEnvironment user{"/home/a", std::nullopt};
     SystemMacros macros;
-    ConfigFile config{macros};
     std::string install = scratch / "inst";
     std::string traceFile = scratch / "trace.txt";
 
     Configuration() { setTraceDestination(traceFile.c_str()); }
     ~Configuration() override { setTraceDestination(nullptr); }
 
-    void load(const std::string &body) {
-        scratch.write("inst/bin/config.xml", "<?xml version=\"1.0\"?>\n<configuration>\n" + body +
-                                                 "</configuration>\n");
-        config.load(install);
+    // A configuration read from a file with the body given.
+    std::unique_ptr<ConfigFile> load(const std::string &body) {
+        scratch.write("inst/bin/config.xml", "<?xml version='1.0'?>\n<configuration>\n" + body + "</configuration>\n");
+        auto config = std::make_unique<ConfigFile>(macros);
+        config->load(install);
+        return config;
     }
     std::string traced() const { return TestDirectory::read(traceFile); }
 };
 
-// The value of a lone element with these attributes.
-std::string valueOf(const std::string &value, const char *expand = nullptr) {
-    XMLElement element("setting");
-    element.setAttribute("value", value);
-    if (expand)
-        element.setAttribute("expand", expand);
-    return configurationValue(element, "/inst");
+} // namespace
+
+TEST(ConfigurationValue, KnownNamesOnlyAndEachOnce) {
+    const struct {
+        const char *home, *value, *expand, *expected;
+    } cases[] = {
+        {"/home/a", "$(StudioDir)/x", nullptr, "/inst/x"},
+        {"/home/a", "$(UserHomeDir)", nullptr, "/home/a"},
+        {"/home/a", "[$(UserDataDir)]$(StudioDir)", nullptr, "[/home/a/.local/share]/inst"},
+        // Other names give nothing; the names are case sensitive.
+        {"/home/a", "$(Unknown)/a", nullptr, "/a"}, {"/home/a", "$(studiodir)/a", nullptr, "/a"},
+        {"/home/a", "$(HostOS)$()", nullptr, ""}, {"/home/a", "$$(StudioDir)", nullptr, "$/inst"},
+        {"/home/a", "no references", nullptr, "no references"}, {"/home/a", "", nullptr, ""},
+        // An unclosed reference ends the replacing.
+        {"/home/a", "a$(StudioDir)b$(UserHomeDir c", nullptr, "a/instb$(UserHomeDir c"},
+        {"/home/a", "$(x$(StudioDir)", nullptr, ""},
+        // expand="no" in any case keeps the text.
+        {"/home/a", "$(StudioDir)", "NO", "$(StudioDir)"}, {"/home/a", "$(StudioDir)", "no", "$(StudioDir)"},
+        {"/home/a", "$(StudioDir)", "No", "$(StudioDir)"}, {"/home/a", "$(StudioDir)", "yes", "/inst"},
+        {"/home/a", "$(StudioDir)", "none", "/inst"},
+        // A replacement isn't searched again.
+        {"/home/$(UserHomeDir)", "$(UserHomeDir)!", nullptr, "/home/$(UserHomeDir)!"},
+    };
+    for (const auto &c : cases) {
+        UserEnvironment user(c.home, std::nullopt);
+        XMLElement element("setting");
+        element.setAttribute("value", c.value);
+        if (c.expand)
+            element.setAttribute("expand", c.expand);
+        EXPECT_EQ(configurationValue(element, "/inst"), c.expected) << c.value << " " << (c.expand ? c.expand : "");
+    }
 }
 
-}  // namespace
-
-TEST(ConfigurationValue, TheThreeKnownNames) {
-    UserEnvironment user("/home/a", std::nullopt);
-    EXPECT_EQ(valueOf("$(StudioDir)/x"), "/inst/x");
-    EXPECT_EQ(valueOf("$(UserHomeDir)"), "/home/a");
-    EXPECT_EQ(valueOf("[$(UserDataDir)]$(StudioDir)"), "[/home/a/.local/share]/inst");
-}
-
-TEST(ConfigurationValue, OtherNamesGiveNothing) {
-    UserEnvironment user("/home/a", std::nullopt);
-    EXPECT_EQ(valueOf("$(Unknown)/a"), "/a");
-    EXPECT_EQ(valueOf("$(studiodir)/a"), "/a");
-    EXPECT_EQ(valueOf("$(HostOS)$()"), "");
-    EXPECT_EQ(valueOf("$$(StudioDir)"), "$/inst");
-    EXPECT_EQ(valueOf("no references"), "no references");
-    EXPECT_EQ(valueOf(""), "");
-}
-
-TEST(ConfigurationValue, AnUnclosedReferenceEndsTheReplacing) {
-    UserEnvironment user("/home/a", std::nullopt);
-    EXPECT_EQ(valueOf("a$(StudioDir)b$(UserHomeDir c"), "a/instb$(UserHomeDir c");
-    EXPECT_EQ(valueOf("$(x$(StudioDir)"), "");
-}
-
-TEST(ConfigurationValue, ExpandNoInAnyCase) {
-    EXPECT_EQ(valueOf("$(StudioDir)", "NO"), "$(StudioDir)");
-    EXPECT_EQ(valueOf("$(StudioDir)", "no"), "$(StudioDir)");
-    EXPECT_EQ(valueOf("$(StudioDir)", "No"), "$(StudioDir)");
-    EXPECT_EQ(valueOf("$(StudioDir)", "yes"), "/inst");
-    EXPECT_EQ(valueOf("$(StudioDir)", "none"), "/inst");
-}
-
-TEST(ConfigurationValue, AReplacementIsNotSearchedAgain) {
-    UserEnvironment user("/home/$(UserHomeDir)", std::nullopt);
-    EXPECT_EQ(valueOf("$(UserHomeDir)!"), "/home/$(UserHomeDir)!");
-}
-
-TEST_F(Configuration, SettingsInDocumentOrder) {
-    load("  <setting name=\"a\" value=\"1\"/>\n"
-         "  <group><setting name=\"b\" value=\"$(StudioDir)/b\"/></group>\n"
-         "  <setting name=\"a\" value=\"2\"/>\n"
-         "  <setting value=\"nameless\"/>\n"
-         "  <setting name=\"\" value=\"empty name\"/>\n"
-         "  <setting name=\"kept\" value=\"$(StudioDir)\" expand=\"NO\"/>\n"
-         "  <setting name=\"c\"/>\n");
-    EXPECT_EQ(config.setting("a", "x"), "2");
-    EXPECT_EQ(config.setting("b", "x"), install + "/b");
-    EXPECT_EQ(config.setting("kept", "x"), "$(StudioDir)");
-    EXPECT_EQ(config.setting("c", "x"), "");
-    EXPECT_EQ(config.setting("", "x"), "x");
-    EXPECT_EQ(config.setting("missing", "fallback"), "fallback");
+TEST_F(Configuration, SettingsSystemMacrosAndEnvironmentVariables) {
+    scratch.write("inst/bin/local.xml", "<group>\n  <setting name=\"included\" value=\"$(StudioDir)/i\"/>\n</group>\n");
+    ScopedVariable set("QUILLMAKE_CONFIG_TEST_SET", "old");
+    ScopedVariable empty("QUILLMAKE_CONFIG_TEST_EMPTY", "old");
+    ScopedVariable made("QUILLMAKE_CONFIG_TEST_MADE", std::nullopt);
+    const size_t described = macros.macroDescriptions().size();
+    const auto config = load("  <setting name=\"a\" value=\"1\"/>\n"
+                             "  <group><setting name=\"b\" value=\"$(StudioDir)/b\"/></group>\n"
+                             "  <setting name=\"a\" value=\"2\"/>\n"
+                             "  <setting value=\"nameless\"/>\n"
+                             "  <setting name=\"\" value=\"empty name\"/>\n"
+                             "  <setting name=\"kept\" value=\"$(StudioDir)\" expand=\"NO\"/>\n"
+                             "  <setting name=\"c\"/>\n"
+                             // The file is pre-processed.
+                             "  <define_macro name=\"Kind\" value=\"full\"/>\n"
+                             "  <if Kind=\"full\"><setting name=\"d\" value=\"full\"/></if>\n"
+                             "  <ifnot Kind=\"full\"><setting name=\"d\" value=\"lite\"/></ifnot>\n"
+                             "  <include filename=\"local.xml\" no_root=\"\"/>\n"
+                             "  <setting name=\"e\" value=\"$(Kind)\" expand_attributes=\"value\"/>\n"
+                             "<system-macro name=\"ToolRoot\" value=\"$(StudioDir)/tools\"/>\n"
+                             "<system-macro name=\"HostOS\" value=\"other\"/>\n"
+                             "<system-macro value=\"x\"/>\n"
+                             "<environment-variable name=\"QUILLMAKE_CONFIG_TEST_SET\" value=\"$(UserHomeDir)/x\"/>\n"
+                             "<environment-variable name=\"QUILLMAKE_CONFIG_TEST_EMPTY\" value=\"\"/>\n"
+                             "<environment-variable name=\"QUILLMAKE_CONFIG_TEST_MADE\" value=\"new\"/>\n"
+                             "<environment-setting name='Environment/Package/Destination Directory' value='/p'/>\n");
+    const std::pair<const char *, std::string> settings[] = {
+        {"a", "2"},  {"b", install + "/b"}, {"kept", "$(StudioDir)"}, {"c", ""},    {"", "x"},
+        {"d", "full"}, {"included", install + "/i"}, {"e", "full"}, {"missing", "x"}, {"ToolRoot", "x"},
+    };
+    for (const auto &[name, value] : settings)
+        EXPECT_EQ(config->setting(name, "x"), value) << name;
+    EXPECT_EQ(macros.systemMacros().at("ToolRoot"), install + "/tools");
+    EXPECT_EQ(macros.systemMacros().at("HostOS"), "other");
+    EXPECT_EQ(macros.macroDescriptions().size(), described);
+    EXPECT_STREQ(std::getenv("QUILLMAKE_CONFIG_TEST_SET"), "/home/a/x");
+    EXPECT_STREQ(std::getenv("QUILLMAKE_CONFIG_TEST_EMPTY"), "");
+    EXPECT_STREQ(std::getenv("QUILLMAKE_CONFIG_TEST_MADE"), "new");
+    // The document is kept for the environment settings.
+    EXPECT_EQ(*config->document().root->lastChild->toElement()->attribute("value"), "/p");
     EXPECT_EQ(traced(), "");
 }
 
 TEST_F(Configuration, DeeplyNestedElements) {
-    const int depth = 100000;
-    std::string body;
-    for (int i = 0; i < depth; ++i)
-        body += "<g>";
-    body += "<setting name=\"deep\" value=\"$(StudioDir)\"/>";
-    for (int i = 0; i < depth; ++i)
-        body += "</g>";
-    load(body + "\n<setting name=\"after\" value=\"1\"/>\n");
-    EXPECT_EQ(config.setting("deep", "x"), install);
-    EXPECT_EQ(config.setting("after", "x"), "1");
+    std::string open, close;
+    for (int i = 0; i < 100000; ++i) {
+        open += "<g>";
+        close += "</g>";
+    }
+    const auto config = load(open + "<setting name=\"deep\" value=\"$(StudioDir)\"/>" + close +
+                             "\n<setting name=\"after\" value=\"1\"/>\n");
+    EXPECT_EQ(config->setting("deep", "x"), install);
+    EXPECT_EQ(config->setting("after", "x"), "1");
 }
 
-TEST_F(Configuration, SystemMacrosWithoutDescription) {
-    const size_t described = macros.macroDescriptions().size();
-    load("<system-macro name=\"ToolRoot\" value=\"$(StudioDir)/tools\"/>\n"
-         "<system-macro name=\"HostOS\" value=\"other\"/>\n"
-         "<system-macro value=\"x\"/>\n");
-    EXPECT_EQ(macros.systemMacros().at("ToolRoot"), install + "/tools");
-    EXPECT_EQ(macros.systemMacros().at("HostOS"), "other");
-    EXPECT_EQ(macros.macroDescriptions().size(), described);
-    EXPECT_EQ(config.setting("ToolRoot", "none"), "none");
-}
-
-TEST_F(Configuration, EnvironmentVariables) {
-    ScopedVariable set("QUILLMAKE_CONFIG_TEST_SET", "old");
-    ScopedVariable empty("QUILLMAKE_CONFIG_TEST_EMPTY", "old");
-    ScopedVariable made("QUILLMAKE_CONFIG_TEST_MADE", std::nullopt);
-    load("<environment-variable name=\"QUILLMAKE_CONFIG_TEST_SET\" value=\"$(UserHomeDir)/x\"/>\n"
-         "<environment-variable name=\"QUILLMAKE_CONFIG_TEST_EMPTY\" value=\"\"/>\n"
-         "<environment-variable name=\"QUILLMAKE_CONFIG_TEST_MADE\" value=\"new\"/>\n");
-    EXPECT_STREQ(std::getenv("QUILLMAKE_CONFIG_TEST_SET"), "/home/a/x");
-    EXPECT_STREQ(std::getenv("QUILLMAKE_CONFIG_TEST_EMPTY"), "");
-    EXPECT_STREQ(std::getenv("QUILLMAKE_CONFIG_TEST_MADE"), "new");
-}
-
-TEST_F(Configuration, TheDocumentIsKept) {
-    load("<environment-setting name=\"Environment/Package/Destination Directory\" value=\"/p\"/>\n");
-    const XMLElement *root = config.document().root;
-    ASSERT_NE(root, nullptr);
-    EXPECT_EQ(root->tagName, "configuration");
-    const XMLElement *setting = root->firstChild ? root->firstChild->toElement() : nullptr;
-    ASSERT_NE(setting, nullptr);
-    EXPECT_EQ(setting->tagName, "environment-setting");
-    EXPECT_EQ(*setting->attribute("value"), "/p");
-}
-
-TEST_F(Configuration, TheFileIsPreProcessed) {
-    scratch.write("inst/bin/local.xml", "<group>\n  <setting name=\"included\" value=\"$(StudioDir)/i\"/>\n</group>\n");
-    load("  <define_macro name=\"Kind\" value=\"full\"/>\n"
-         "  <if Kind=\"full\"><setting name=\"a\" value=\"full\"/></if>\n"
-         "  <ifnot Kind=\"full\"><setting name=\"a\" value=\"lite\"/></ifnot>\n"
-         "  <include filename=\"local.xml\" no_root=\"\"/>\n"
-         "  <setting name=\"b\" value=\"$(Kind)\" expand_attributes=\"value\"/>\n");
-    EXPECT_EQ(config.setting("a", "x"), "full");
-    EXPECT_EQ(config.setting("included", "x"), install + "/i");
-    EXPECT_EQ(config.setting("b", "x"), "full");
-    EXPECT_EQ(traced(), "");
-}
-
-TEST_F(Configuration, AMissingFileIsNoError) {
+TEST_F(Configuration, FailuresAreTracedAndTheRunGoesOn) {
+    // A missing file is no error, and the file is read once only.
+    ConfigFile config(macros);
     config.load(install);
     EXPECT_EQ(config.document().root, nullptr);
+    load("<setting name=\"a\" value=\"1\"/>\n");
+    config.load(install);
     EXPECT_EQ(config.setting("a", "x"), "x");
     EXPECT_EQ(traced(), "");
-}
 
-TEST_F(Configuration, ReadOnce) {
-    config.load(install);
-    load("<setting name=\"a\" value=\"1\"/>\n");
-    EXPECT_EQ(config.setting("a", "x"), "x");
-}
-
-TEST_F(Configuration, BadXMLIsTracedAndTheRunGoesOn) {
-    load("<setting name=\"a\" value=\"1\">\n</group>\n");
+    EXPECT_EQ(load("<setting name=\"a\" value=\"1\">\n</group>\n")->setting("a", "x"), "x");
     EXPECT_EQ(traced(), "error: cannot load configuration file - tagName mismatch line: 4 column: 0\n");
-    EXPECT_EQ(config.setting("a", "x"), "x");
-}
 
-TEST_F(Configuration, AnUnreadableFileIsTraced) {
-    scratch.write("inst/bin/config.xml/inside");
-    config.load(install);
-    EXPECT_EQ(traced(), "error: cannot load configuration file - couldn't read " + install + "/bin/config.xml\n");
-}
-
-TEST_F(Configuration, TraceOffSaysNothing) {
     const unsigned flags = traceFlags;
     traceFlags &= ~TraceErrors;
     load("</bad>");
     traceFlags = flags;
-    EXPECT_EQ(traced(), "");
+    EXPECT_EQ(traced(), "error: cannot load configuration file - tagName mismatch line: 4 column: 0\n");
+
+    std::remove((install + "/bin/config.xml").c_str());
+    scratch.write("inst/bin/config.xml/inside");
+    ConfigFile(macros).load(install);
+    EXPECT_EQ(traced(), "error: cannot load configuration file - tagName mismatch line: 4 column: 0\n"
+                        "error: cannot load configuration file - couldn't read " + install + "/bin/config.xml\n");
 }
 
-TEST(ConfigFileInstance, OneStorePerProcess) {
-    SystemMacros first;
-    SystemMacros second;
+TEST(ConfigFile, OneStorePerProcessAndTheShippedFileReadsCleanly) {
+    SystemMacros first, second;
     ConfigFile &store = ConfigFile::instance(first);
     EXPECT_EQ(&ConfigFile::instance(second), &store);
-}
 
-TEST(ShippedConfiguration, ReadsCleanly) {
     TestDirectory scratch;
     const std::string traceFile = scratch / "trace.txt";
     setTraceDestination(traceFile.c_str());
     scratch.write("inst/bin/config.xml", TestDirectory::read(QUILLMAKE_SHIPPED_CONFIG));
-    SystemMacros macros;
-    ConfigFile config(macros);
+    ConfigFile config(first);
     config.load(scratch / "inst");
     setTraceDestination(nullptr);
     EXPECT_EQ(TestDirectory::read(traceFile), "");

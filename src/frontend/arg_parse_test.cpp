@@ -1,54 +1,19 @@
 #include "frontend/arg_parse.h"
 
 #include "frontend/program_log.h"
+#include "support/test_directory.h"
+#include "support/text_split.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <fstream>
+#include <algorithm>
 #include <sstream>
-#include <sys/stat.h>
-#include <unistd.h>
 
 using QTx::ArgOption;
 using QTx::ArgParse;
-using QTx::IndirectLine;
-using QTx::tokenizeIndirectLine;
-using Tokens = std::vector<std::string>;
+using Strings = std::vector<std::string>;
 
-// ---- Tokens of an indirect-file line ---------------------------------------
-
-TEST(IndirectTokens, BlanksSeparateAndTabsDoNot) {
-    EXPECT_EQ(tokenizeIndirectLine("  -config   Debug  ").tokens, (Tokens{"-config", "Debug"}));
-    EXPECT_EQ(tokenizeIndirectLine("a\tb c\t").tokens, (Tokens{"a\tb", "c\t"}));
-    EXPECT_EQ(tokenizeIndirectLine("").tokens, Tokens{});
-    EXPECT_EQ(tokenizeIndirectLine("    ").tokens, Tokens{});
-    EXPECT_EQ(tokenizeIndirectLine("\t").tokens, Tokens{"\t"});
-}
-
-TEST(IndirectTokens, QuotedTokensKeepBlanksAndHaveNoEscapes) {
-    EXPECT_EQ(tokenizeIndirectLine("-config \"Debug Version\" x").tokens,
-              (Tokens{"-config", "Debug Version", "x"}));
-    EXPECT_EQ(tokenizeIndirectLine("\"a\\\" b").tokens, (Tokens{"a\\", "b"}));
-    EXPECT_EQ(tokenizeIndirectLine("\"\" x").tokens, (Tokens{"", "x"}));
-}
-
-TEST(IndirectTokens, QuotesSideBySideAndInsideBareTokens) {
-    EXPECT_EQ(tokenizeIndirectLine("\"a\"\"b\"").tokens, (Tokens{"a", "b"}));
-    EXPECT_EQ(tokenizeIndirectLine("\"a\"b c").tokens, (Tokens{"a", "b", "c"}));
-    EXPECT_EQ(tokenizeIndirectLine("a\"b c\"").tokens, (Tokens{"a\"b", "c\""}));
-    EXPECT_FALSE(tokenizeIndirectLine("a\"b c\"").unterminated);
-}
-
-TEST(IndirectTokens, UnterminatedQuoteKeepsTheTokensBeforeIt) {
-    const IndirectLine line = tokenizeIndirectLine("-batch x \"abc def");
-    EXPECT_TRUE(line.unterminated);
-    EXPECT_EQ(line.tokens, (Tokens{"-batch", "x"}));
-    EXPECT_TRUE(tokenizeIndirectLine("\"").unterminated);
-    EXPECT_EQ(tokenizeIndirectLine("\"a\" \"b").tokens, Tokens{"a"});
-}
-
-// ---- The parse loop --------------------------------------------------------
+namespace {
 
 // A parser with a recording handler and prefix options, as a table with
 // joined values would have.
@@ -70,191 +35,132 @@ public:
         flagHandler.handler = static_cast<ArgOption::Handler>(&TestParse::record);
         addOption("-g", flagHandler);
     }
-    void plainArgument(const std::string &text) override { plain.push_back(text); }
+    void plainArgument(const std::string &text) override { result += "[" + text + "]"; }
     void record(const std::string &name, const std::optional<std::string> &v) {
-        calls.push_back(name + "=" + (v ? "'" + *v + "'" : "null"));
+        result += name + "=" + (v ? "'" + *v + "'" : "null") + " ";
+    }
+    // What was set, then plain arguments and handler calls in order.
+    std::string state() const {
+        std::string text = flag ? "f " : "";
+        for (const auto &[name, target] :
+             {std::pair{"v", &value}, {"early", &early}, {"I", &joined}, {"Iq", &joinedLonger}})
+            text += *target ? std::string(name) + "='" + **target + "' " : "";
+        return text + result;
     }
 
     bool flag = false;
     std::optional<std::string> value, early, joined, joinedLonger;
-    Tokens plain, calls;
+    std::string result;
 };
 
-struct ParseFixture : ::testing::Test {
-    std::ostringstream errors;
-    ProgramLog log{"qm", errors};
-    TestParse parser{&log};
-};
+} // namespace
 
-TEST_F(ParseFixture, FlagsValuesAndPlainArguments) {
-    parser.parse({"-f", "-v", "", "", "a", "b"}, 1);
-    EXPECT_TRUE(parser.flag);
-    ASSERT_TRUE(parser.value);
-    EXPECT_EQ(*parser.value, "");
-    EXPECT_EQ(parser.plain, (Tokens{"a", "b"}));
-    EXPECT_EQ(errors.str(), "");
-    EXPECT_EQ(log.errorCount(), 0);
-}
-
-TEST_F(ParseFixture, HandlersGetTheNameAndAValueOrNull) {
-    parser.parse({"-h", "x y", "-g", "-h", "-g"}, 1);
-    EXPECT_EQ(parser.calls, (Tokens{"-h='x y'", "-g=null", "-h='-g'"}));
-}
-
-TEST_F(ParseFixture, PrefixOptionsTakeTheRestOfTheArgument) {
-    parser.parse({"-Iinclude"}, 1);
-    EXPECT_EQ(parser.joined, "include");
-    // The exact key gives an empty value, not a null one.
-    parser.parse({"-I"}, 1);
-    EXPECT_EQ(parser.joined, "");
-    // The first prefix in key order wins, even over a longer match.
-    parser.parse({"-Iqx"}, 1);
-    EXPECT_EQ(parser.joined, "qx");
-    EXPECT_FALSE(parser.joinedLonger);
-    // An exact key is looked up before any prefix.
-    parser.parse({"-Iq"}, 1);
-    EXPECT_EQ(parser.joinedLonger, "");
-    EXPECT_EQ(errors.str(), "");
-}
-
-TEST_F(ParseFixture, OtherPhaseOptionsAreSteppedOverWithTheirValues) {
-    parser.parse({"-early", "dir", "-v", "x", "plain"}, 1);
-    EXPECT_FALSE(parser.early);
-    EXPECT_EQ(parser.value, "x");
-    EXPECT_EQ(parser.plain, Tokens{"plain"});
-
-    TestParse phaseZero(&log);
-    phaseZero.parse({"-early", "dir", "-v", "x", "plain", "-f"}, 0);
-    EXPECT_EQ(phaseZero.early, "dir");
-    EXPECT_FALSE(phaseZero.value);
-    EXPECT_FALSE(phaseZero.flag);
-    EXPECT_TRUE(phaseZero.plain.empty());
-    EXPECT_EQ(errors.str(), "");
-}
-
-TEST_F(ParseFixture, UnrecognisedOptionsAreReportedInEitherPhase) {
-    parser.parse({"-x", "-", "-fx"}, 0);
-    parser.parse({"-y"}, 1);
-    EXPECT_EQ(errors.str(),
-              "qm: error: unrecognised option -x\n"
-              "qm: error: unrecognised option -\n"
-              "qm: error: unrecognised option -fx\n"
-              "qm: error: unrecognised option -y\n");
-    EXPECT_EQ(log.errorCount(), 4);
-}
-
-TEST_F(ParseFixture, MissingValueEndsTheList) {
-    parser.parse({"a", "-v"}, 1);
-    EXPECT_EQ(errors.str(), "qm: error: expected argument for option -v\n");
-    EXPECT_FALSE(parser.value);
-    EXPECT_EQ(parser.plain, Tokens{"a"});
-}
-
-// ---- Indirect files --------------------------------------------------------
-
-class IndirectFixture : public ParseFixture {
-protected:
-    void SetUp() override {
-        char pattern[] = "/tmp/argparse-test.XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        dir = pattern;
+TEST(IndirectTokens, OnlyBlanksSeparateAndQuotesHaveNoEscapes) {
+    const struct {
+        const char *line, *tokens;
+        bool unterminated;
+    } cases[] = {
+        {"  -config   Debug  ", "[-config][Debug]", false}, {"a\tb c\t", "[a\tb][c\t]", false},
+        {"", "", false}, {"    ", "", false}, {"\t", "[\t]", false},
+        {"-config \"Debug Version\" x", "[-config][Debug Version][x]", false},
+        {"\"a\\\" b", "[a\\][b]", false}, {"\"\" x", "[][x]", false},
+        // Quotes side by side and inside bare tokens.
+        {"\"a\"\"b\"", "[a][b]", false}, {"\"a\"b c", "[a][b][c]", false}, {"a\"b c\"", "[a\"b][c\"]", false},
+        // An unterminated quote keeps the tokens before it.
+        {"-batch x \"abc def", "[-batch][x]", true}, {"\"", "", true}, {"\"a\" \"b", "[a]", true},
+    };
+    for (const auto &c : cases) {
+        const QTx::IndirectLine line = QTx::tokenizeIndirectLine(c.line);
+        std::string tokens;
+        for (const std::string &token : line.tokens)
+            tokens += "[" + token + "]";
+        EXPECT_EQ(tokens, c.tokens) << c.line;
+        EXPECT_EQ(line.unterminated, c.unterminated) << c.line;
     }
-    void TearDown() override {
-        const std::string command = "rm -rf '" + dir + "'";
-        ASSERT_EQ(std::system(command.c_str()), 0);
-    }
-    std::string write(const std::string &name, const std::string &content) {
-        const std::string path = dir + "/" + name;
-        std::ofstream(path, std::ios::binary) << content;
-        return path;
-    }
-    std::string dir;
-};
-
-TEST_F(IndirectFixture, EachLineIsAListOfItsOwn) {
-    const std::string path = write("args", "# -f is a comment\n"
-                                           "-v \"Debug Version\" a\r\n"
-                                           " #x\n"
-                                           "\n"
-                                           "-v\n"
-                                           "next\n"
-                                           "last");
-    parser.parse({"@" + path}, 1);
-    EXPECT_EQ(parser.value, "Debug Version");
-    EXPECT_FALSE(parser.flag);
-    EXPECT_EQ(parser.plain, (Tokens{"a", "#x", "next", "last"}));
-    EXPECT_EQ(errors.str(), "qm: error: expected argument for option -v\n");
 }
 
-TEST_F(IndirectFixture, UnterminatedStringCountsLinesWithoutComments) {
-    const std::string path = write("args", "#c\n-f\n#c\n#c\nx \"abc\ny\n");
-    parser.parse({"@" + path}, 1);
-    EXPECT_EQ(errors.str(), "qm: error: unterminated string in indirect file " + path + "(2)\n");
-    EXPECT_EQ(parser.plain, (Tokens{"x", "y"}));
-    EXPECT_TRUE(parser.flag);
-}
-
-TEST_F(IndirectFixture, FilesThatCantBeOpened) {
-    parser.parse({"@" + dir + "/missing", "@" + dir, "@", "after"}, 1);
-    EXPECT_EQ(errors.str(),
-              "qm: error: can't open indirect file " + dir + "/missing: No such file or directory\n"
-              "qm: error: can't open indirect file " + dir + ": Is a directory\n"
-              "qm: error: can't open indirect file : No such file or directory\n");
-    EXPECT_EQ(parser.plain, Tokens{"after"});
-}
-
-TEST_F(IndirectFixture, HundredLevelsOpenAndTheNextDoesNot) {
-    for (int level = 1; level <= 101; ++level) {
-        const std::string next = "@" + dir + "/f" + std::to_string(level + 1);
-        write("f" + std::to_string(level), level < 101 ? next + "\nlevel" + std::to_string(level) + "\n"
-                                                       : "level101\n");
-    }
-    write("f100", "level100\n@" + dir + "/f101\nafter100\n");
-    parser.parse({"@" + dir + "/f1", "outer"}, 1);
-    EXPECT_EQ(errors.str(), "qm: error: too many indirect files\n");
-    ASSERT_EQ(parser.plain.size(), 102u);
-    EXPECT_EQ(parser.plain[0], "level100");
-    EXPECT_EQ(parser.plain[1], "after100");
-    EXPECT_EQ(parser.plain[2], "level99");
-    EXPECT_EQ(parser.plain[100], "level1");
-    EXPECT_EQ(parser.plain[101], "outer");
-}
-
-TEST_F(IndirectFixture, FilesIncludingThemselvesEnd) {
-    const std::string once = write("once", "-f\n@" + dir + "/once\n");
-    parser.parse({"@" + once}, 1);
-    EXPECT_EQ(errors.str(), "qm: error: too many indirect files\n");
-    EXPECT_EQ(log.errorCount(), 1);
-
+TEST(ArgParse, ListsAndIndirectFiles) {
+    TestDirectory dir;
+    const std::string args = dir.write("args", "# -f is a comment\n-v \"Debug Version\" a\r\n #x\n\n-v\nnext\nlast");
+    const std::string quote = dir.write("quote", "#c\n-f\n#c\n#c\nx \"abc\ny\n");
+    const std::string once = dir.write("once", "-f\n@" + dir / "once\n");
     // Twice per file would be 2^100 files; the count of files stops it.
-    errors.str("");
-    const std::string twice = write("twice", "@" + dir + "/twice\n@" + dir + "/twice\nx\n");
-    TestParse other(&log);
-    other.parse({"@" + twice, "end"}, 1);
-    EXPECT_EQ(errors.str(), "qm: error: too many indirect files\n");
-    EXPECT_EQ(other.plain.back(), "end");
-    EXPECT_EQ(other.plain.size(), static_cast<size_t>(ArgParse::defaultIndirectFileLimit) + 1);
-}
+    const std::string twice = dir.write("twice", "@" + dir / "twice\n@" + dir / "twice\nx\n");
+    const std::string leaf = dir.write("leaf", "x\n");
+    const std::string top = dir.write("top", "@" + leaf + " @" + leaf + "\n@" + leaf + "\ny\n");
+    // A hundred levels open and the next does not.
+    std::string levels = "[level100][after100]";
+    for (int level = 1; level <= 100; ++level)
+        dir.write(concat("f", std::to_string(level)),
+                  concat("@", dir / "f") + std::to_string(level + 1) + "\nlevel" + std::to_string(level) + "\n");
+    dir.write("f100", "level100\n@" + dir / "f101\nafter100\n");
+    dir.write("f101", "level101\n");
+    for (int level = 99; level >= 1; --level)
+        levels += "[level" + std::to_string(level) + "]";
+    std::string manyX;
+    for (int file = 0; file < ArgParse::defaultIndirectFileLimit; ++file)
+        manyX += "[x]";
+    const std::string unrecognised = "qm: error: unrecognised option ";
+    const std::string tooMany = "qm: error: too many indirect files\n";
 
-TEST_F(IndirectFixture, FileLimitCountsFilesNotLevels) {
-    const std::string leaf = write("leaf", "x\n");
-    const std::string top = write("top", "@" + leaf + " @" + leaf + "\n@" + leaf + "\ny\n");
-    parser.setIndirectFileLimit(3);
-    parser.parse({"@" + top, "z"}, 1);
-    EXPECT_EQ(errors.str(), "qm: error: too many indirect files\n");
-    EXPECT_EQ(parser.plain, (Tokens{"x", "x", "y", "z"}));
-}
+    const struct {
+        Strings list;
+        int phase;
+        std::string state, errors;
+        int fileLimit = ArgParse::defaultIndirectFileLimit;
+    } cases[] = {
+        {{"-f", "-v", "", "", "a", "b"}, 1, "f v='' [a][b]", ""},
+        // Handlers get the name and a value or null.
+        {{"-h", "x y", "-g", "-h", "-g"}, 1, "-h='x y' -g=null -h='-g' ", ""},
+        // A prefix option takes the rest of the argument, the exact key an
+        // empty value. The first prefix in key order wins, even over a longer
+        // match, but an exact key is looked up first.
+        {{"-Iinclude"}, 1, "I='include' ", ""},
+        {{"-I"}, 1, "I='' ", ""},
+        {{"-Iqx"}, 1, "I='qx' ", ""},
+        {{"-Iq"}, 1, "Iq='' ", ""},
+        // Options of the other phase are stepped over with their values.
+        {{"-early", "dir", "-v", "x", "plain"}, 1, "v='x' [plain]", ""},
+        {{"-early", "dir", "-v", "x", "plain", "-f"}, 0, "early='dir' ", ""},
+        {{"-x", "-", "-fx"}, 0, "", unrecognised + "-x\n" + unrecognised + "-\n" + unrecognised + "-fx\n"},
+        {{"-y"}, 1, "", unrecognised + "-y\n"},
+        // A missing value ends the list.
+        {{"a", "-v"}, 1, "[a]", "qm: error: expected argument for option -v\n"},
+        // Each line of an indirect file is a list of its own.
+        {{"@" + args}, 1, "v='Debug Version' [a][#x][next][last]", "qm: error: expected argument for option -v\n"},
+        // The line count leaves out comments.
+        {{"@" + quote}, 1, "f [x][y]", "qm: error: unterminated string in indirect file " + quote + "(2)\n"},
+        {{"@" + dir / "missing", "@" + dir.path(), "@", "after"}, 1, "[after]",
+         "qm: error: can't open indirect file " + dir / "missing: No such file or directory\n" +
+             "qm: error: can't open indirect file " + dir.path() + ": Is a directory\n" +
+             "qm: error: can't open indirect file : No such file or directory\n"},
+        {{"@" + dir / "f1", "outer"}, 1, levels + "[outer]", tooMany},
+        {{"@" + once}, 1, "f ", tooMany},
+        {{"@" + twice, "end"}, 1, manyX + "[end]", tooMany},
+        // The limit counts files, not levels.
+        {{"@" + top, "z"}, 1, "[x][x][y][z]", tooMany, 3},
+    };
+    for (const auto &c : cases) {
+        std::ostringstream errors;
+        ProgramLog log("qm", errors);
+        TestParse parser(&log);
+        parser.setIndirectFileLimit(c.fileLimit);
+        parser.parse(c.list, c.phase);
+        EXPECT_EQ(parser.state(), c.state) << c.list[0];
+        EXPECT_EQ(errors.str(), c.errors) << c.list[0];
+        EXPECT_EQ(log.errorCount(), std::count(c.errors.begin(), c.errors.end(), '\n')) << c.list[0];
+    }
 
-TEST_F(IndirectFixture, LimitIsReportedAgainInTheNextPass) {
-    const std::string once = write("once", "@" + dir + "/once\n");
+    // The limit is reported again in the next pass.
+    std::ostringstream errors;
+    ProgramLog log("qm", errors);
+    TestParse parser(&log);
     parser.parse({"@" + once}, 0);
     parser.parse({"@" + once}, 1);
-    EXPECT_EQ(log.errorCount(), 2);
+    EXPECT_EQ(errors.str(), tooMany + tooMany);
 }
 
-// ---- Help entries ----------------------------------------------------------
-
-TEST(HelpEntries, SplitSortedIgnoringCaseAndDropped) {
+TEST(ArgParse, HelpEntriesSplitSortedIgnoringCaseAndDropped) {
     std::ostringstream errors;
     ProgramLog log("qm", errors);
     ArgParse parser(&log);
@@ -263,12 +169,23 @@ TEST(HelpEntries, SplitSortedIgnoringCaseAndDropped) {
     parser.addFlagOption("-c", &flag, "no colon");
     parser.addFlagOption("-d", &flag, "");
     parser.addFlagOption("-e", &flag, "-C:third;;");
-    const auto entries = parser.helpEntries();
-    ASSERT_EQ(entries.size(), 3u);
-    EXPECT_EQ(entries[0].left, "-A 'x'");
-    EXPECT_EQ(entries[0].right, "first: with colon");
-    EXPECT_EQ(entries[1].left, "-b");
-    EXPECT_EQ(entries[1].right, " second");  // the blank after the colon stays
-    EXPECT_EQ(entries[2].left, "-C");
-    EXPECT_EQ(entries[2].right, "third");
+    std::string entries;
+    for (const auto &entry : parser.helpEntries())
+        entries += entry.left + "|" + entry.right + "\n";
+    // The blank after the colon stays.
+    EXPECT_EQ(entries, "-A 'x'|first: with colon\n-b| second\n-C|third\n");
+}
+
+TEST(ProgramLog, EveryErrorIsOneCountedLine) {
+    std::ostringstream stream;
+    ProgramLog log("/usr/bin/quillmake", stream);
+    EXPECT_EQ(log.errorCount(), 0);
+    // Asking for the stream counts, before anything is written.
+    std::ostream &out = log.errorStream();
+    EXPECT_EQ(&out, &stream);
+    EXPECT_EQ(log.errorCount(), 1);
+    out << "first" << '\n';
+    log.error("second");
+    EXPECT_EQ(stream.str(), "/usr/bin/quillmake: error: first\n/usr/bin/quillmake: error: second\n");
+    EXPECT_EQ(log.errorCount(), 2);
 }

@@ -26,40 +26,31 @@ private:
     std::size_t size = 0;
 };
 
-TEST(QuillmakeProjectLoadProgress, QuietPrintsLinesInTheFirstColumnAndNoTasks) {
-    MemoryStream out;
-    QuillmakeProjectLoadProgress progress(true, out.file);
-    progress.beginTask("Loading solution a.tbp", 2);
-    progress.message("line one");
-    progress.warning("a warning");
-    EXPECT_EQ(progress.depth(), 0);
-    progress.endTask();
-    EXPECT_EQ(out.text(), "line one\na warning\n");
-}
+} // namespace
 
-TEST(QuillmakeProjectLoadProgress, TasksIndentTwoBlanksPerLevel) {
-    MemoryStream out;
-    QuillmakeProjectLoadProgress progress(false, out.file);
-    progress.beginTask("outer", 2);
-    progress.beginTask("inner", 3);
-    progress.message("deep");
-    progress.endTask();
-    progress.message("middle");
-    progress.endTask();
-    progress.message("top");
+TEST(QuillmakeProjectLoadProgress, TasksIndentTwoBlanksPerLevelUnlessQuiet) {
+    MemoryStream quietOut, out;
+    QuillmakeProjectLoadProgress quiet(true, quietOut.file), loud(false, out.file);
+    for (QuillmakeProjectLoadProgress *progress : {&quiet, &loud}) {
+        progress->beginTask("outer", 2);
+        progress->beginTask("inner", 3);
+        progress->message("deep");
+        EXPECT_EQ(progress->depth(), progress == &quiet ? 0 : 2);
+        progress->endTask();
+        progress->warning("middle");
+        progress->endTask();
+        progress->message("top");
+    }
+    EXPECT_EQ(quietOut.text(), "deep\nmiddle\ntop\n");
     EXPECT_EQ(out.text(), "  outer\n    inner\n    deep\n  middle\ntop\n");
-}
 
-TEST(QuillmakeProjectLoadProgress, TargetPropertyLinesOfTemplatesAreDropped) {
-    MemoryStream out;
-    QuillmakeProjectLoadProgress progress(true, out.file);
+    // The target property lines of templates are dropped.
     for (const char *line : {"template property target_x", "template property arm_target_device",
-                             "template property arm_linker_jtag_speed",
-                             "template property arm_simulator", "template property foo",
-                             " template property target_x", "Template property target_x"})
-        progress.message(line);
-    EXPECT_EQ(out.text(),
-              "template property foo\n template property target_x\nTemplate property target_x\n");
+                             "template property arm_linker_jtag_speed", "template property arm_simulator",
+                             "template property foo", " template property target_x", "Template property target_x"})
+        quiet.message(line);
+    EXPECT_EQ(quietOut.text(), "deep\nmiddle\ntop\ntemplate property foo\n template property target_x\n"
+                               "Template property target_x\n");
 }
 
 TEST(QuillmakeWarning, GoesToStandardOutputUnlessNoStderrIsGiven) {
@@ -74,5 +65,3 @@ TEST(QuillmakeWarning, GoesToStandardOutputUnlessNoStderrIsGiven) {
     toError.warning(nullptr, "Debug", "empty", {});
     EXPECT_EQ(err.text(), "title one\ntwo\nempty \n");
 }
-
-}  // namespace

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace {
 
-const char *const pathsSolution = R"(<solution Name="S">
+struct ProjectPaths : ::testing::Test {
+    void SetUp() override {
+        system.load(R"(<solution Name="S">
   <project Name="App">
     <configuration Name="Common" project_directory="app" />
     <folder Name="Src">
@@ -23,68 +23,45 @@ const char *const pathsSolution = R"(<solution Name="S">
   <project Name="Abs"><configuration Name="Common" project_directory="/abs/dir" /></project>
   <project Name="Macro"><configuration Name="Common" project_directory="$(Base)/p" /></project>
   <file file_name="loose.c" />
-</solution>)";
-
-struct ProjectPaths : ::testing::Test {
-    void SetUp() override { system.load(pathsSolution); }
-    ProjectElement *file(const std::string &name) {
-        ProjectElement *found = ProjectSystem::findFileByPath(system.solution, name);
-        EXPECT_NE(found, nullptr) << name;
-        return found;
+</solution>)");
     }
     TestProjectSystem system;
 };
 
-TEST_F(ProjectPaths, ProjectDirectories) {
-    EXPECT_EQ(system.fullProjectDirectory(system.node("App")), "/work/s/app");
-    EXPECT_EQ(system.fullProjectDirectory(system.node("Abs")), "/abs/dir");
-    // The global macros apply, project macros don't.
-    system.systemMacros.globalMacros()["Base"] = "/g";
-    EXPECT_EQ(system.fullProjectDirectory(system.node("Macro")), "/g/p");
-    EXPECT_EQ(system.fullProjectDirectory(file("src/main.c")), "");
-    EXPECT_EQ(system.solutionDirectory(), "/work/s");
-}
-
-TEST_F(ProjectPaths, RelativeFileInsideItsProject) {
-    ProjectElement *main = file("src/main.c");
-    EXPECT_EQ(system.absoluteFilePath(main, "Debug"), "/work/s/app/src/main.c");
-    EXPECT_TRUE(main->nameIsRelative);
-    EXPECT_TRUE(main->insideBaseDirectory);
+TEST_F(ProjectPaths, FilePathsAgainstTheProjectDirectory) {
+    struct Row {
+        const char *name, *absolute, *relative;
+        bool nameIsRelative, inside;
+    };
+    const Row rows[] = {
+        {"src/main.c", "/work/s/app/src/main.c", "src/main.c", true, true},
+        {"/work/other/x.c", "/work/other/x.c", "../../other/x.c", false, false},
+        {"/work/s/app/sub/y.c", "/work/s/app/sub/y.c", "sub/y.c", false, true},
+        {"../up.c", "/work/s/up.c", "../up.c", true, false},
+        // A file without a project is taken against the solution's directory.
+        {"loose.c", "/work/s/loose.c", "loose.c", true, true},
+    };
+    for (const Row &row : rows) {
+        ProjectElement *file = system.file(row.name);
+        EXPECT_EQ(system.absoluteFilePath(file, "Debug"), row.absolute) << row.name;
+        EXPECT_EQ(system.relativeFileName(file, "Debug"), row.relative) << row.name;
+        EXPECT_EQ(file->nameIsRelative, row.nameIsRelative) << row.name;
+        EXPECT_EQ(file->insideBaseDirectory, row.inside) << row.name;
+    }
+    ProjectElement *main = system.file("src/main.c");
     EXPECT_EQ(main->baseDirectory, "/work/s/app");
-    EXPECT_EQ(system.relativeFileName(main, "Debug"), "src/main.c");
     EXPECT_EQ(system.fileDirectory(main, "Debug"), "/work/s/app/src");
     EXPECT_EQ(system.fileNameOnly(main, "Debug"), "main.c");
     EXPECT_EQ(system.fileBaseName(main, "Debug"), "main");
     EXPECT_EQ(system.fileExtension(main, "Debug"), "c");
-    EXPECT_EQ(system.elementDirectory(main), "/work/s/app");
-
-    ProjectElement *archive = file("lib.tar.gz");
+    ProjectElement *archive = system.file("lib.tar.gz");
     EXPECT_EQ(system.fileBaseName(archive, "Debug"), "lib");
     EXPECT_EQ(system.fileBaseName(archive, "Debug", true), "lib.tar");
     EXPECT_EQ(system.fileExtension(archive, "Debug"), "gz");
     EXPECT_EQ(system.fileExtension(archive, "Debug", true), "tar.gz");
-}
 
-TEST_F(ProjectPaths, AbsoluteNames) {
-    ProjectElement *outside = file("/work/other/x.c");
-    EXPECT_EQ(system.absoluteFilePath(outside, "Debug"), "/work/other/x.c");
-    EXPECT_FALSE(outside->nameIsRelative);
-    EXPECT_FALSE(outside->insideBaseDirectory);
-    EXPECT_EQ(system.relativeFileName(outside, "Debug"), "../../other/x.c");
-
-    ProjectElement *inside = file("/work/s/app/sub/y.c");
-    EXPECT_EQ(system.relativeFileName(inside, "Debug"), "sub/y.c");
-    EXPECT_TRUE(inside->insideBaseDirectory);
-    EXPECT_FALSE(inside->nameIsRelative);
-
-    ProjectElement *up = file("../up.c");
-    EXPECT_EQ(system.absoluteFilePath(up, "Debug"), "/work/s/up.c");
-    EXPECT_FALSE(up->insideBaseDirectory);
-    EXPECT_EQ(system.relativeFileName(up, "Debug"), "../up.c");
-}
-
-TEST_F(ProjectPaths, UnknownMacroLeavesNoPath) {
-    ProjectElement *unknown = file("$(Nothing)/a.c");
+    // An unknown macro leaves no path.
+    ProjectElement *unknown = system.file("$(Nothing)/a.c");
     EXPECT_EQ(system.absoluteFilePath(unknown, "Debug"), "");
     EXPECT_FALSE(unknown->pathsValid);
     EXPECT_TRUE(unknown->nameHasMacros);
@@ -92,46 +69,44 @@ TEST_F(ProjectPaths, UnknownMacroLeavesNoPath) {
     EXPECT_EQ(system.elementName(unknown), "a.c");
 }
 
-TEST_F(ProjectPaths, MacroNamesAreResolvedPerConfiguration) {
-    ProjectElement *generated = file("$(Configuration)/gen.c");
+TEST_F(ProjectPaths, MacroNamesAreResolvedPerConfigurationAndPathsKeptUntilTheirInputsChange) {
+    ProjectElement *generated = system.file("$(Configuration)/gen.c");
     EXPECT_EQ(system.absoluteFilePath(generated, "Debug"), "/work/s/app/Debug/gen.c");
     EXPECT_EQ(generated->pathsConfiguration, "Debug");
     EXPECT_EQ(system.absoluteFilePath(generated, "Release"), "/work/s/app/Release/gen.c");
     EXPECT_EQ(system.relativeFileName(generated, "Release"), "Release/gen.c");
     // A name without macros keeps its paths for every configuration.
-    ProjectElement *main = file("src/main.c");
+    ProjectElement *main = system.file("src/main.c");
     system.resolvePaths(main, "Debug");
     EXPECT_EQ(main->pathsConfiguration, "");
-}
 
-TEST_F(ProjectPaths, ResolvedPathsAreKeptUntilTheirInputsChange) {
-    ProjectElement *main = file("src/main.c");
-    EXPECT_EQ(system.absoluteFilePath(main, "Debug"), "/work/s/app/src/main.c");
     // Changed behind the project system's back: the kept path stands.
     main->XMLElement::setAttribute("file_name", "other.c");
     EXPECT_EQ(system.absoluteFilePath(main, "Release"), "/work/s/app/src/main.c");
     system.setFileName(main, "renamed.c");
     EXPECT_EQ(system.absoluteFilePath(main, "Debug"), "/work/s/app/renamed.c");
-
     ProjectElement *app = system.node("App");
     system.setPropertyValue(app, system.nodeProperties.projectDirectory, "Common", "moved");
     EXPECT_EQ(system.absoluteFilePath(main, "Debug"), "/work/s/moved/renamed.c");
     EXPECT_EQ(system.fullProjectDirectory(app), "/work/s/moved");
 }
 
-TEST_F(ProjectPaths, FoldersAndOtherNodes) {
+TEST_F(ProjectPaths, DirectoriesOfProjectsFoldersAndOtherNodes) {
+    EXPECT_EQ(system.fullProjectDirectory(system.node("Abs")), "/abs/dir");
+    // The global macros apply, project macros don't.
+    system.systemMacros.globalMacros()["Base"] = "/g";
+    EXPECT_EQ(system.fullProjectDirectory(system.node("Macro")), "/g/p");
+    EXPECT_EQ(system.fullProjectDirectory(system.file("src/main.c")), "");
+    EXPECT_EQ(system.solutionDirectory(), "/work/s");
+
     ProjectElement *generated = system.node("Generated");
     EXPECT_EQ(system.absoluteFilePath(generated, "Debug"), "/work/s/app/gen/out.c");
     EXPECT_EQ(system.elementDirectory(generated), "/work/s/app");
+    EXPECT_EQ(system.elementDirectory(system.file("src/main.c")), "/work/s/app");
     ProjectElement *src = system.node("Src");
     EXPECT_EQ(system.absoluteFilePath(src, "Debug"), "");
     EXPECT_TRUE(src->pathsValid);
-
-    // A file without a project is taken against the solution's directory.
-    ProjectElement *loose = file("loose.c");
-    EXPECT_EQ(system.absoluteFilePath(loose, "Debug"), "/work/s/loose.c");
-    EXPECT_EQ(system.elementDirectory(loose), "");
-
+    EXPECT_EQ(system.elementDirectory(system.file("loose.c")), "");
     EXPECT_EQ(system.absoluteFilePath(system.solution, "Debug"), "/work/s/s.tbp");
     EXPECT_EQ(system.elementDirectory(system.solution), "/work/s");
     EXPECT_EQ(system.elementDirectory(system.node("Abs")), "/abs/dir");

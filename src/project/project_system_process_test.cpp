@@ -10,31 +10,27 @@
 
 namespace {
 
-using Arguments = std::vector<std::string>;
-
 TEST(ProjectSystemProcess, RunsTheCommandWithItsOutputAsMessages) {
     TestDirectory dir;
     RecordingProgress progress;
-    ProjectSystemProcess process(&progress, {"/bin/sh", "-c", "printf 'o\\n'; pwd -P >&2; exit 3"}, dir.path(),
-                                 {});
+    ProjectSystemProcess process(&progress, {"/bin/sh", "-c", "printf 'o\\n'; pwd -P >&2; exit 3"}, dir.path(), {});
     char resolved[PATH_MAX];
     ASSERT_TRUE(realpath(dir.path().c_str(), resolved));
     EXPECT_EQ(process.exitStatus(), 3);
-    EXPECT_EQ(progress.events,
-              (Arguments{"begin 1 /bin/sh -c printf 'o\\n'; pwd -P >&2; exit 3", "message o",
-                         std::string("message ") + resolved, "end"}));
+    EXPECT_EQ(progress.events, (Strings{"begin 1 /bin/sh -c printf 'o\\n'; pwd -P >&2; exit 3", "message o",
+                                        std::string("message ") + resolved, "end"}));
+    // Output may be redirected to a file.
+    EXPECT_EQ(ProjectSystemProcess(nullptr, {"printf", "a\\nb", ">", "out.txt"}, dir.path(), {}).exitStatus(), 0);
+    EXPECT_EQ(TestDirectory::read(dir / "out.txt"), "a\nb");
 }
 
 TEST(ProjectSystemProcess, AProgramThatCantBeStartedIsMinusOne) {
     RecordingProgress progress;
-    ProjectSystemProcess missing(&progress, {"quillmake-no-such-program", "a"}, "", {});
-    EXPECT_EQ(missing.exitStatus(), -1);
-    EXPECT_EQ(progress.events, (Arguments{"begin 1 quillmake-no-such-program a", "end"}));
-    ProjectSystemProcess nothing(nullptr, {}, "", {});
-    EXPECT_EQ(nothing.exitStatus(), -1);
+    EXPECT_EQ(ProjectSystemProcess(&progress, {"quillmake-no-such-program", "a"}, "", {}).exitStatus(), -1);
+    EXPECT_EQ(progress.events, (Strings{"begin 1 quillmake-no-such-program a", "end"}));
+    EXPECT_EQ(ProjectSystemProcess(nullptr, {}, "", {}).exitStatus(), -1);
     // A program that exits with 255 itself is not "not found".
-    ProjectSystemProcess failing(nullptr, {"/bin/sh", "-c", "exit 255"}, "", {});
-    EXPECT_EQ(failing.exitStatus(), 255);
+    EXPECT_EQ(ProjectSystemProcess(nullptr, {"/bin/sh", "-c", "exit 255"}, "", {}).exitStatus(), 255);
 }
 
 TEST(ProjectSystemProcess, SetsTheEnvironmentForThisAndLaterChildren) {
@@ -45,16 +41,8 @@ TEST(ProjectSystemProcess, SetsTheEnvironmentForThisAndLaterChildren) {
     ASSERT_EQ(progress.events.size(), 3u);
     EXPECT_EQ(progress.events[1], "message x=y||");
     EXPECT_STREQ(getenv("QM_PSP_A"), "x=y");
-    unsetenv("QM_PSP_A");
-    unsetenv("QM_PSP_B");
-    unsetenv("QM_PSP_C");
-}
-
-TEST(ProjectSystemProcess, RedirectsItsOutput) {
-    TestDirectory dir;
-    ProjectSystemProcess process(nullptr, {"printf", "a\\nb", ">", "out.txt"}, dir.path(), {});
-    EXPECT_EQ(process.exitStatus(), 0);
-    EXPECT_EQ(TestDirectory::read(dir / "out.txt"), "a\nb");
+    for (const char *name : {"QM_PSP_A", "QM_PSP_B", "QM_PSP_C"})
+        unsetenv(name);
 }
 
 }  // namespace

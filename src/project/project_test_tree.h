@@ -11,9 +11,35 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
+
+using Strings = std::vector<std::string>;
+
+inline Strings sorted(Strings items) {
+    std::sort(items.begin(), items.end());
+    return items;
+}
+
+// The items with a blank (or another separator) between them, so that a long
+// list compares with one literal.
+inline std::string spaced(const Strings &items, const std::string &separator = " ") {
+    std::string text;
+    for (const std::string &item : items)
+        text += (text.empty() ? "" : separator) + item;
+    return text;
+}
+
+// The names of a list of property values or classes.
+template <class List>
+Strings namesOf(const List &list) {
+    Strings names;
+    for (const auto &item : list)
+        names.push_back(item->name());
+    return names;
+}
 
 // Made before the project system, which keeps its address.
 struct TestMacroTable {
@@ -49,18 +75,17 @@ public:
         return solution;
     }
 
-    // The first node of the given display name.
-    ProjectElement *node(const std::string &name) {
-        ProjectElement *found = findElementByName(solution, name);
-        EXPECT_NE(found, nullptr) << name;
-        return found;
-    }
+    // The first node of the given display name; the file stored under that
+    // name; the property class of a save name.
+    ProjectElement *node(const std::string &name) { return found(findElementByName(solution, name), name); }
+    ProjectElement *file(const std::string &name) { return found(ProjectSystem::findFileByPath(solution, name), name); }
+    PropertyClass *property(const std::string &name) { return found(propertyClasses.propertyClass(name), name); }
 
-    // The property class of a save name.
-    PropertyClass *property(const std::string &name) {
-        PropertyClass *found = propertyClasses.propertyClass(name);
-        EXPECT_NE(found, nullptr) << name;
-        return found;
+private:
+    template <class T>
+    static T *found(T *item, const std::string &name) {
+        EXPECT_NE(item, nullptr) << name;
+        return item;
     }
 };
 
@@ -78,15 +103,21 @@ class RecordingProgress : public ProjectLoadProgressInterface {
 public:
     void beginTask(const std::string &text, int level) override {
         events.push_back("begin " + std::to_string(level) + " " + text);
+        ++open;
     }
-    void endTask() override { events.push_back("end"); }
+    void endTask() override {
+        events.push_back("end");
+        --open;
+    }
     void message(const std::string &text) override { events.push_back("message " + text); }
     void warning(const std::string &text) override { events.push_back("warning " + text); }
-    int depth() override { return 0; }
-    void setProgress(int, int) override {}
+    int depth() override { return open; }
+    void setProgress(int done, int total) override {
+        events.push_back(std::to_string(done) + "/" + std::to_string(total));
+    }
     void processEvents() override { ++polls; }
     std::vector<std::string> collectedLines() override { return {}; }
 
-    std::vector<std::string> events;
-    int polls = 0;
+    Strings events;
+    int open = 0, polls = 0;
 };

@@ -1,8 +1,7 @@
 #include "project/build_output_file_name_property_class.h"
-#include "project/filter_property_class.h"
 #include "project/macro_property_class.h"
 #include "project/project_property_class.h"
-#include "project/property_class.h"
+#include "project/property_class_map.h"
 #include "project/xml/xml_document.h"
 
 #include <gtest/gtest.h>
@@ -15,248 +14,179 @@ namespace {
 using Strings = std::vector<std::string>;
 
 // Reads the root element of text as a property definition.
-PropertyClass definition(const std::string &text)
-{
+PropertyClass definition(const std::string &text) {
     XMLDocument document;
     EXPECT_TRUE(document.parse(text)) << document.errorText;
     return PropertyClass::readDefinition(*document.root);
 }
 
-TEST(PropertyClassTypes, WordsAndNumbers)
-{
-    EXPECT_EQ(PropertyClass::typeWord(0), "Boolean");
-    EXPECT_EQ(PropertyClass::typeWord(7), "StringList");
-    EXPECT_EQ(PropertyClass::typeWord(15), "JavaScript");
-    EXPECT_EQ(PropertyClass::typeWord(16), "CommandLine");
-    EXPECT_EQ(PropertyClass::typeWord(17), "COMPort");
-    EXPECT_EQ(PropertyClass::typeWord(18), "Unknown");
-    EXPECT_EQ(PropertyClass::typeWord(-1), "Unknown");
+PropertyClass make(const std::string &name) {
+    return PropertyClass(name, PropertyClass::String, "", "", "", "", std::nullopt);
+}
 
+TEST(PropertyClass, TypeWordsAndNormalisedNames) {
+    const std::pair<int, const char *> words[] = {{0, "Boolean"}, {7, "StringList"}, {15, "JavaScript"},
+                                                  {16, "CommandLine"}, {17, "COMPort"}, {18, "Unknown"},
+                                                  {-1, "Unknown"}};
+    for (const auto &[type, word] : words)
+        EXPECT_EQ(PropertyClass::typeWord(type), word) << type;
     EXPECT_EQ(PropertyClass::definitionType("IntegerHex"), PropertyClass::IntegerHex);
-    EXPECT_EQ(PropertyClass::definitionType("JavaScript"), PropertyClass::JavaScript);
     // The definition reader stops at "JavaScript" and compares exactly.
-    EXPECT_EQ(PropertyClass::definitionType("CommandLine"), std::nullopt);
-    EXPECT_EQ(PropertyClass::definitionType("COMPort"), std::nullopt);
-    EXPECT_EQ(PropertyClass::definitionType("string"), std::nullopt);
-}
-
-TEST(PropertyClassConstruction, BooleanWithoutDefaultOffersNoThenYesAndDefaultsToNo)
-{
-    PropertyClass text("flag", PropertyClass::Boolean, "General", "Build Options", "Flag", "help",
-                       std::nullopt);
-    EXPECT_EQ(text.defaultValue(), "No");
-    EXPECT_EQ(text.choices(), (Strings{"No", "Yes"}));
-
-    PropertyClass fromXml = definition(R"(<property name="b" short="B"/>)");
-    EXPECT_EQ(fromXml.type(), PropertyClass::Boolean);
-    EXPECT_EQ(fromXml.defaultValue(), "No");
-    EXPECT_EQ(fromXml.choices(), (Strings{"No", "Yes"}));
-}
-
-TEST(PropertyClassConstruction, NullDefaultOfOtherTypesStaysNull)
-{
-    PropertyClass text("s", PropertyClass::String, "", "", "", "", std::nullopt);
-    EXPECT_FALSE(text.defaultValue().has_value());
-    PropertyClass empty("s", PropertyClass::String, "", "", "", "", "");
-    EXPECT_EQ(empty.defaultValue(), "");
-    EXPECT_TRUE(empty.choices().empty());
-}
-
-TEST(PropertyClassConstruction, BooleanFormStoresYesOrNo)
-{
-    PropertyClass yes("a", "Debugging", "Debugger Options", "A", "help", true, 3);
-    EXPECT_EQ(yes.type(), PropertyClass::Boolean);
-    EXPECT_EQ(yes.defaultValue(), "Yes");
-    EXPECT_EQ(yes.order(), 3);
-    EXPECT_EQ(yes.page(), "Debug");
-    EXPECT_EQ(yes.group(), "Debugger");
-    PropertyClass no("a", "", "", "", "", false);
-    EXPECT_EQ(no.defaultValue(), "No");
-}
-
-TEST(PropertyClassConstruction, NumberFormWritesHexForIntegerHexOnly)
-{
-    PropertyClass hex("fill", PropertyClass::IntegerHex, 0, 255, "Linker", "Linker Options",
-                      "Fill", "help", 0xab, "special", 2);
-    EXPECT_EQ(hex.defaultValue(), "0xAB");
-    EXPECT_EQ(hex.minimum(), 0);
-    EXPECT_EQ(hex.maximum(), 255);
-    EXPECT_EQ(hex.singleStep(), 1);
-    EXPECT_EQ(hex.specialValue(), "special");
-    EXPECT_EQ(hex.page(), "Code");
-    EXPECT_EQ(hex.group(), "Linker");
-
-    PropertyClass decimal("n", PropertyClass::IntegerRange, -5, 5, "", "", "", "", -3, "", 0);
-    EXPECT_EQ(decimal.defaultValue(), "-3");
-}
-
-TEST(PropertyClassConstruction, EnumerationFormReadsDisplayTexts)
-{
-    PropertyClass split("e", PropertyClass::Enumeration, {"Yes~~Enabled", "No~~Disabled"}, "kB",
-                        "C/C++", "Code Generation Options", "E", "help", "Yes", 1, 2);
-    EXPECT_EQ(split.values(), (Strings{"Yes", "No"}));
-    EXPECT_EQ(split.displayValues(), (Strings{"Enabled", "Disabled"}));
-    EXPECT_EQ(split.choices(), (Strings{"Yes", "No"}));
-    EXPECT_EQ(split.suffix(), "kB");
-    EXPECT_EQ(split.flags(), 2u);
-
-    // A later item without "~~" gets an empty display text.
-    PropertyClass mixed("e", PropertyClass::Enumeration, {"a~~A", "b", "c~~C~~D"}, "", "", "", "",
-                        "", std::nullopt, 0, 0);
-    EXPECT_EQ(mixed.values(), (Strings{"a", "b", "c"}));
-    EXPECT_EQ(mixed.displayValues(), (Strings{"A", "", "C~~D"}));
-
-    // Only the first item decides whether the list is split.
-    PropertyClass plain("e", PropertyClass::Enumeration, {"a", "b~~B"}, "", "", "", "", "",
-                        std::nullopt, 0, 0);
-    EXPECT_EQ(plain.values(), (Strings{"a", "b~~B"}));
-    EXPECT_TRUE(plain.displayValues().empty());
-}
-
-TEST(PropertyClassNormalisation, GroupIsCutAtOptionsOrSettings)
-{
-    EXPECT_EQ(PropertyClass::normalisedGroup("Build Options"), "Build");
-    EXPECT_EQ(PropertyClass::normalisedGroup("Section Options Extra"), "Section");
-    EXPECT_EQ(PropertyClass::normalisedGroup("Debugger Settings"), "Debugger");
-    EXPECT_EQ(PropertyClass::normalisedGroup("A Settings B Options"), "A");
-    EXPECT_EQ(PropertyClass::normalisedGroup("Options"), "Options");
-    EXPECT_EQ(PropertyClass::normalisedGroup("BuildOptions"), "BuildOptions");
-    EXPECT_EQ(PropertyClass::normalisedGroup("(Information)"), "(Information)");
-}
-
-TEST(PropertyClassNormalisation, PagesAreRenamed)
-{
-    EXPECT_EQ(PropertyClass::normalisedPage("General"), "Code");
-    EXPECT_EQ(PropertyClass::normalisedPage("C/C++"), "Code");
-    EXPECT_EQ(PropertyClass::normalisedPage("Linker"), "Code");
-    EXPECT_EQ(PropertyClass::normalisedPage("Debugging"), "Debug");
-    EXPECT_EQ(PropertyClass::normalisedPage("Properties"), "Properties");
-    EXPECT_EQ(PropertyClass::normalisedPage("general"), "general");
-
-    PropertyClass property("p", PropertyClass::String, "", "", "", "", std::nullopt);
+    for (const char *word : {"CommandLine", "string"})
+        EXPECT_EQ(PropertyClass::definitionType(word), std::nullopt) << word;
+    // A group is cut before a later word "Options" or "Settings"; a few
+    // pages are renamed.
+    const std::pair<const char *, const char *> groups[] = {
+        {"Section Options Extra", "Section"}, {"A Settings B Options", "A"}, {"Options", "Options"},
+        {"BuildOptions", "BuildOptions"},
+    };
+    for (const auto &[group, normalised] : groups)
+        EXPECT_EQ(PropertyClass::normalisedGroup(group), normalised) << group;
+    const std::pair<const char *, const char *> pages[] = {
+        {"C/C++", "Code"}, {"Debugging", "Debug"}, {"general", "general"}};
+    for (const auto &[page, normalised] : pages)
+        EXPECT_EQ(PropertyClass::normalisedPage(page), normalised) << page;
+    PropertyClass property = make("p");
     property.setPage("Linker");
     property.setGroup("Build Options");
-    EXPECT_EQ(property.page(), "Code");
-    EXPECT_EQ(property.group(), "Build");
+    EXPECT_EQ(property.page() + "|" + property.group(), "Code|Build");
 }
 
-TEST(PropertyClassDefinition, ReadsEveryAttribute)
-{
+TEST(PropertyClass, ConstructionForms) {
+    // A Boolean without a default offers No then Yes and defaults to No;
+    // other types keep a null default.
+    PropertyClass flag("flag", PropertyClass::Boolean, "", "", "", "", std::nullopt);
+    EXPECT_EQ(flag.defaultValue(), "No");
+    EXPECT_EQ(flag.choices(), (Strings{"No", "Yes"}));
+    EXPECT_FALSE(make("s").defaultValue().has_value());
+    EXPECT_TRUE(make("s").choices().empty());
+    PropertyClass yes("a", "Debugging", "Debugger Options", "A", "help", true, 3);
+    EXPECT_EQ(yes.defaultValue(), "Yes");
+    EXPECT_EQ(yes.page() + "|" + yes.group(), "Debug|Debugger");
+    // Numbers: hexadecimal for IntegerHex only.
+    EXPECT_EQ(PropertyClass("f", PropertyClass::IntegerHex, 0, 255, "", "", "", "", 0xab, "", 2).defaultValue(),
+              "0xAB");
+    EXPECT_EQ(PropertyClass("n", PropertyClass::IntegerRange, -5, 5, "", "", "", "", -3, "", 0).defaultValue(), "-3");
+
+    PropertyClass split("e", PropertyClass::Enumeration, {"Yes~~Enabled", "No~~Disabled"}, "kB", "C/C++",
+                        "Code Generation Options", "E", "help", "Yes", 1, 2);
+    EXPECT_EQ(split.values(), (Strings{"Yes", "No"}));
+    EXPECT_EQ(split.displayValues(), (Strings{"Enabled", "Disabled"}));
+    EXPECT_EQ(split.suffix() + "|" + std::to_string(split.flags()), "kB|2");
+    // A later item without "~~" gets an empty display text; only the first
+    // item decides whether the list is split.
+    PropertyClass mixed("e", PropertyClass::Enumeration, {"a~~A", "b", "c~~C~~D"}, "", "", "", "", "", std::nullopt, 0,
+                        0);
+    EXPECT_EQ(mixed.values(), (Strings{"a", "b", "c"}));
+    EXPECT_EQ(mixed.displayValues(), (Strings{"A", "", "C~~D"}));
+    PropertyClass plain("e", PropertyClass::Enumeration, {"a", "b~~B"}, "", "", "", "", "", std::nullopt, 0, 0);
+    EXPECT_EQ(plain.values(), (Strings{"a", "b~~B"}));
+    EXPECT_TRUE(plain.displayValues().empty());
+    // Search text: title, help and values, lower-cased.
+    PropertyClass e("e", PropertyClass::Enumeration, {"Fast", "Small"}, "", "", "", "Opt Level", "Choose <B>one</B>",
+                    std::nullopt, 0, 0);
+    EXPECT_EQ(e.searchText(), "opt level choose <b>one</b> fast small");
+    EXPECT_EQ(PropertyClass("b", "", "", "Flag", "Help", false).searchText(), "flag help");
+}
+
+TEST(PropertyClass, ReadDefinition) {
     PropertyClass p = definition(
         R"(<property name="stack" type="IntegerRange" group="Runtime Memory Settings" short="Stack"
              long="Bytes of &lt;b&gt;stack&lt;/b&gt;" default="1024" minimum="16" maximum="65536"
              singlestep="8" specialvalue="Auto" order="0x10" page="Linker"/>)");
-    EXPECT_EQ(p.name(), "stack");
-    EXPECT_EQ(p.type(), PropertyClass::IntegerRange);
-    EXPECT_EQ(p.group(), "Runtime Memory");
-    EXPECT_EQ(p.shortText(), "Stack");
-    EXPECT_EQ(p.longText(), "Bytes of <b>stack</b>");
-    EXPECT_EQ(p.defaultValue(), "1024");
-    EXPECT_EQ(p.minimum(), 16);
-    EXPECT_EQ(p.maximum(), 65536);
-    EXPECT_EQ(p.singleStep(), 8);
-    EXPECT_EQ(p.specialValue(), "Auto");
-    EXPECT_EQ(p.order(), 16);
     // The page is the caller's to set.
-    EXPECT_EQ(p.page(), "");
-}
-
-TEST(PropertyClassDefinition, UnknownTypeWordIsBoolean)
-{
-    PropertyClass unknown = definition(R"(<property name="x" type="Number" default="7"/>)");
+    EXPECT_EQ(p.name() + "|" + p.group() + "|" + p.shortText() + "|" + p.longText() + "|" + p.page(),
+              "stack|Runtime Memory|Stack|Bytes of <b>stack</b>|");
+    EXPECT_EQ(p.type(), PropertyClass::IntegerRange);
+    EXPECT_EQ(p.defaultValue(), "1024");
+    EXPECT_EQ((std::vector<int>{p.minimum(), p.maximum(), p.singleStep(), p.order()}),
+              (std::vector<int>{16, 65536, 8, 16}));
+    EXPECT_EQ(p.specialValue(), "Auto");
+    // No type or an unknown type word is a Boolean; junk numbers are zero.
+    EXPECT_EQ(definition(R"(<property name="b"/>)").choices(), (Strings{"No", "Yes"}));
+    PropertyClass unknown = definition(R"(<property name="x" type="Number" default="7" minimum="x" order="junk"/>)");
     EXPECT_EQ(unknown.type(), PropertyClass::Boolean);
     EXPECT_EQ(unknown.defaultValue(), "7");
-    PropertyClass late = definition(R"(<property name="x" type="CommandLine"/>)");
-    EXPECT_EQ(late.type(), PropertyClass::Boolean);
-    EXPECT_EQ(late.defaultValue(), "No");
+    EXPECT_EQ((std::vector<int>{unknown.minimum(), unknown.order()}), (std::vector<int>{0, 0}));
+    // Enumerations drop empty items and keep a null default.
+    PropertyClass e =
+        definition(R"(<property name="e" type="Enumeration" enumeration="Yes~~Enabled;;No~~Disabled;"/>)");
+    EXPECT_EQ(e.values(), (Strings{"Yes", "No"}));
+    EXPECT_EQ(e.displayValues(), (Strings{"Enabled", "Disabled"}));
+    EXPECT_FALSE(e.defaultValue().has_value());
 }
 
-TEST(PropertyClassDefinition, EnumerationDropsEmptyItemsAndSplitsDisplayTexts)
-{
-    PropertyClass p = definition(
-        R"(<property name="e" type="Enumeration" enumeration="Yes~~Enabled;;No~~Disabled;"/>)");
-    EXPECT_EQ(p.values(), (Strings{"Yes", "No"}));
-    EXPECT_EQ(p.displayValues(), (Strings{"Enabled", "Disabled"}));
-    // A non-Boolean without a default keeps a null default.
-    EXPECT_FALSE(p.defaultValue().has_value());
-}
-
-TEST(PropertyClassDefinition, JunkNumbersAreZero)
-{
-    PropertyClass p = definition(R"(<property name="n" type="Integer" minimum="x" order="junk"/>)");
-    EXPECT_EQ(p.minimum(), 0);
-    EXPECT_EQ(p.maximum(), 0);
-    EXPECT_EQ(p.order(), 0);
-    EXPECT_FALSE(p.defaultValue().has_value());
-}
-
-TEST(PropertyClassSearch, LowerCasesTitleHelpAndValues)
-{
-    PropertyClass e("e", PropertyClass::Enumeration, {"Fast", "Small"}, "", "", "", "Opt Level",
-                    "Choose <B>one</B>", std::nullopt, 0, 0);
-    EXPECT_EQ(e.searchText(), "opt level choose <b>one</b> fast small");
-    PropertyClass b("b", "", "", "Flag", "Help", false);
-    EXPECT_EQ(b.searchText(), "flag help");
-}
-
-TEST(PropertyClassSubclasses, MacroNamesItselfAfterTheMacro)
-{
+TEST(PropertyClass, Subclasses) {
     MacroPropertyClass system("StudioDir", true, "The installation directory.");
-    EXPECT_EQ(system.name(), "$(StudioDir)");
-    EXPECT_EQ(system.shortText(), "$(StudioDir)");
-    EXPECT_EQ(system.macroName(), "StudioDir");
-    EXPECT_EQ(system.page(), "Properties");
-    EXPECT_EQ(system.group(), "System Macro Values");
-    EXPECT_EQ(system.type(), PropertyClass::String);
-    EXPECT_EQ(system.longText(), "The installation directory.");
-    EXPECT_FALSE(system.defaultValue().has_value());
+    EXPECT_EQ(system.name() + "|" + system.macroName() + "|" + system.page() + "|" + system.group(),
+              "$(StudioDir)|StudioDir|Properties|System Macro Values");
+    EXPECT_EQ(MacroPropertyClass("OutDir", false, "").group(), "(Build Macro Values)");
 
-    MacroPropertyClass build("OutDir", false, "");
-    EXPECT_EQ(build.group(), "(Build Macro Values)");
-}
-
-TEST(PropertyClassSubclasses, Filter)
-{
-    FilterPropertyClass filter;
-    EXPECT_EQ(filter.name(), "filter");
-    EXPECT_EQ(filter.page(), "Code");
-    EXPECT_EQ(filter.group(), "Folder");
-    EXPECT_EQ(filter.shortText(), "Folder Filter");
-    EXPECT_EQ(filter.type(), PropertyClass::String);
-    filter.setLongText("Wildcards of the files a dynamic folder takes, separated by ;.");
-    EXPECT_EQ(filter.longText(), "Wildcards of the files a dynamic folder takes, separated by ;.");
-}
-
-TEST(PropertyClassSubclasses, OutputFileNameFollowsTheMode)
-{
     BuildOutputFileNamePropertyClass output;
-    EXPECT_EQ(output.name(), "build_output_file_name");
-    EXPECT_EQ(output.page(), "Code");
-    EXPECT_EQ(output.shortText(), "Executable File Name");
-
     output.setLibraryMode();
-    EXPECT_EQ(output.group(), "Library Options");
-    EXPECT_EQ(output.shortText(), "Library File Name");
-    EXPECT_EQ(output.longText(), "Specifies a name to override the default library file name.");
-    EXPECT_EQ(output.defaultValue(), "$(OutDir)/$(ProjectName)$(LIB)");
-
+    EXPECT_EQ(output.group() + "|" + output.shortText() + "|" + output.longText() + "|" + *output.defaultValue(),
+              "Library Options|Library File Name|Specifies a name to override the default library file name.|"
+              "$(OutDir)/$(ProjectName)$(LIB)");
     output.setExecutableMode();
-    EXPECT_EQ(output.group(), "Build Options");
-    EXPECT_EQ(output.shortText(), "Executable File Name");
-    EXPECT_EQ(output.longText(), "Specifies a name to override the default executable file name.");
-    EXPECT_EQ(output.defaultValue(), "$(OutDir)/$(ProjectName)$(EXE)");
+    EXPECT_EQ(output.group() + "|" + output.shortText() + "|" + output.longText() + "|" + *output.defaultValue(),
+              "Build Options|Executable File Name|Specifies a name to override the default executable file name.|"
+              "$(OutDir)/$(ProjectName)$(EXE)");
+
+    ProjectPropertyClass rtti("cpp_enable_rtti", PropertyClass::Enumeration, {"Yes", "No", "None"}, "", "", "", "",
+                              "", "None", 0, 0);
+    rtti.addOption("-frtti", "Yes");
+    rtti.addOption("-fno-rtti", "No");
+    EXPECT_EQ(rtti.options().begin()->first, "-fno-rtti");
+    EXPECT_EQ(rtti.optionFor("Yes"), "-frtti");
+    EXPECT_EQ(rtti.optionFor("None"), "");
 }
 
-TEST(PropertyClassSubclasses, ProjectPropertyClassMapsOptionsToValues)
-{
-    ProjectPropertyClass p("cpp_enable_rtti", PropertyClass::Enumeration, {"Yes", "No", "None"}, "",
-                           "", "", "", "", "None", 0, 0);
-    p.addOption("-frtti", "Yes");
-    p.addOption("-fno-rtti", "No");
-    EXPECT_EQ(p.options().size(), 2u);
-    EXPECT_EQ(p.options().begin()->first, "-fno-rtti");
-    EXPECT_EQ(p.optionFor("Yes"), "-frtti");
-    EXPECT_EQ(p.optionFor("None"), "");
+TEST(PropertyClassMap, SameNameRulesLookUpAndToolLists) {
+    PropertyClassMap map;
+    Strings reports;
+    map.setMultipleDefinitionReport([&](const std::string &title, const Strings &list) {
+        reports.push_back(title + ": " + list.at(0));
+    });
+    PropertyClass first = make("x"), second = make("x"), upper = make("Name"), a = make("a_name");
+    EXPECT_EQ(map.addPropertyClass(&first), nullptr);
+    // The same object again: nothing happens; another of the name replaces
+    // it, with a report.
+    EXPECT_EQ(map.addPropertyClass(&first), nullptr);
+    EXPECT_EQ(map.addPropertyClass(&second), &first);
+    EXPECT_EQ(reports, Strings{"PropertyClass Multiple Definition: x"});
+    // Removing takes out only the object named, and may put back the one
+    // it replaced.
+    map.removePropertyClass(&first);
+    EXPECT_EQ(map.propertyClass("x"), &second);
+    map.removePropertyClass(&second, &first);
+    EXPECT_EQ(map.propertyClass("x"), &first);
+    // Look-up is exact; iteration is in name order.
+    map.addPropertyClass(&upper);
+    map.addPropertyClass(&a);
+    EXPECT_EQ(map.propertyClass("name"), nullptr);
+    Strings order;
+    for (const auto &[name, property] : map)
+        order.push_back(property->name());
+    EXPECT_EQ(order, (Strings{"Name", "a_name", "x"}));
+    // Without a report a replacement is silent.
+    PropertyClassMap quiet;
+    quiet.addPropertyClass(&first);
+    quiet.addPropertyClass(&second);
+    quiet.removePropertyClass(&second);
+    EXPECT_EQ(quiet.propertyClass("x"), nullptr);
+
+    // Tool lists don't register a class by name.
+    quiet.addToolProperty(&upper, 2);
+    quiet.addToolProperty(&a, 2);
+    quiet.addToolProperty(&a, 7);
+    EXPECT_EQ(quiet.toolProperties(2), (std::vector<PropertyClass *>{&upper, &a}));
+    EXPECT_TRUE(quiet.toolProperties(3).empty());
+    EXPECT_EQ(quiet.propertyClass("Name"), nullptr);
+    quiet.removeToolProperty(&a, 2);
+    quiet.removeToolProperty(&first, 2);
+    quiet.removeToolProperty(&a, 9);
+    EXPECT_EQ(quiet.toolProperties(2), (std::vector<PropertyClass *>{&upper}));
+    EXPECT_EQ(quiet.toolProperties(7), (std::vector<PropertyClass *>{&a}));
 }
 
 } // namespace

@@ -62,7 +62,13 @@ TEST(SolutionFile, ExampleIsWrittenByteForByte) {
     Observer observer;
     system.observer = &observer;
     ProjectElement *root = makeBlink(system, directory.path());
+    // A failed write changes nothing.
+    const FileTime before = root->fileTime;
+    EXPECT_FALSE(system.saveSolutionAs(root, directory / "no/such/dir/x.tbp", false));
+    EXPECT_FALSE(system.saveErrorText.empty());
     EXPECT_TRUE(ProjectSystem::isModified(root, false));
+    EXPECT_EQ(root->fileTime, before);
+    EXPECT_FALSE(system.saveSolution(nullptr, false));
 
     ASSERT_TRUE(system.saveSolution(root, false));
     const std::string file = directory / "Blink.tbp";
@@ -75,34 +81,22 @@ TEST(SolutionFile, ExampleIsWrittenByteForByte) {
     ASSERT_TRUE(system.saveSolutionAs(root, directory / "sorted.tbp", true));
     EXPECT_EQ(TestDirectory::read(directory / "sorted.tbp"), blinkSorted);
     EXPECT_EQ(root->filePath.text(), file);
-    EXPECT_EQ(system.solutionText(root, true), blinkSorted);
-}
 
-TEST(SolutionFile, SortedSaveOfAnUnchangedFileIsIdentical) {
-    TestDirectory directory;
-    const std::string file = directory.write("blink.tbp", blinkSorted);
-    TestProjectSystem system;
-    ProjectElement *root = system.loadSolution(file);
+    // A sorted save of an unchanged file is identical; unsorted, the file
+    // keeps its own order.
+    TestProjectSystem loaded;
+    root = loaded.loadSolution(directory / "sorted.tbp");
     EXPECT_FALSE(ProjectSystem::isModified(root, true));
-    ASSERT_TRUE(system.saveSolution(root, true));
-    EXPECT_EQ(TestDirectory::read(file), blinkSorted);
-    // Unsorted, the file keeps its own order.
-    EXPECT_EQ(system.solutionText(root, false), blinkSorted);
+    ASSERT_TRUE(loaded.saveSolution(root, true));
+    EXPECT_EQ(TestDirectory::read(directory / "sorted.tbp"), blinkSorted);
+    EXPECT_EQ(loaded.solutionText(root, false), blinkSorted);
 }
 
 TEST(SolutionFile, SortingByKindThenNameWithEqualNamesInFront) {
     TestProjectSystem system;
-    system.load(R"(<solution Name="S">
-  <project Name="zeta" />
-  <file file_name="b.c" />
-  <file file_name="A.c" />
-  <project Name="Alpha" />
-  <file file_name="a.c" />
-  <folder Name="F" />
-  <configuration Name="Release" />
-  <import file_name="other.tbp" />
-  <configuration Name="debug" />
-</solution>)");
+    system.load(R"(<solution Name="S"><project Name="zeta" /><file file_name="b.c" /><file file_name="A.c" />
+  <project Name="Alpha" /><file file_name="a.c" /><folder Name="F" /><configuration Name="Release" />
+  <import file_name="other.tbp" /><configuration Name="debug" /></solution>)");
     EXPECT_EQ(system.solutionText(system.solution, true), R"(<!DOCTYPE Tarnbench_Project_File>
 <solution Name="S" target="8">
   <configuration Name="debug" />
@@ -121,21 +115,14 @@ TEST(SolutionFile, SortingByKindThenNameWithEqualNamesInFront) {
 TEST(SolutionFile, WhatASaveLeavesOut) {
     TestProjectSystem system;
     system.load(R"(<solution Name="S" version="2" target="3">
-  <project Name="">
-    <configuration Name="" x="1" />
-    <configuration Name="Debug" a="first" />
-    <configuration Name="Debug" a="second" />
-    <folder Name="Plain" file_name="drop.c" />
+  <project Name=""><configuration Name="" x="1" /><configuration Name="Debug" a="first" />
+    <configuration Name="Debug" a="second" /><folder Name="Plain" file_name="drop.c" />
     <folder Name="Dynamic" path="src" filter="*.c" Name2="">
       <configuration Name="Common" c_preprocessor_definitions="X" />
-      <file file_name="src/generated.c" />
-      <folder Name="sub" path="src/sub" />
-    </folder>
+      <file file_name="src/generated.c" /><folder Name="sub" path="src/sub" /></folder>
     <strange kept="yes"><file file_name="inside.c" /></strange>
   </project>
-  <solution Name="Imported" file_name="$(Dir)/lib.tbp">
-    <project Name="L" />
-  </solution>
+  <solution Name="Imported" file_name="$(Dir)/lib.tbp"><project Name="L" /></solution>
   <solution Name="ReadOnly" file_name="ro.tbp" />
 </solution>)");
     ProjectElement *imported = system.findSolution("Imported");
@@ -190,18 +177,13 @@ TEST(SolutionFile, ValuesSurviveSaveAndLoadByteForByte) {
     }
     const std::string text = TestDirectory::read(file);
     EXPECT_NE(text.find("build_quietly=\"say &quot;hi&quot; &lt;b&gt; &amp; 'x' "
-                        "&#xc3;&#xa9;&#xe2;&#x82;&#xac;&#x9;tab&#xa;line &#x1; end\""),
-              std::string::npos)
-        << text;
+                        "&#xc3;&#xa9;&#xe2;&#x82;&#xac;&#x9;tab&#xa;line &#x1; end\""), std::string::npos) << text;
     // A single attribute, however long, stays on the line of its tag.
-    EXPECT_NE(text.find("  <folder Name=\"" + longValue + "\" />\n"),
-              std::string::npos)
-        << text;
+    EXPECT_NE(text.find("  <folder Name=\"" + longValue + "\" />\n"), std::string::npos) << text;
 
     TestProjectSystem system;
     ProjectElement *root = system.loadSolution(file);
-    EXPECT_EQ(ProjectSystem::getOwnPropertyValue(root, system.nodeProperties.buildQuietly, "Common"),
-              value);
+    EXPECT_EQ(ProjectSystem::getOwnPropertyValue(root, system.nodeProperties.buildQuietly, "Common"), value);
     ASSERT_TRUE(system.saveSolution(root, true));
     EXPECT_EQ(TestDirectory::read(file), text);
 }
@@ -216,10 +198,7 @@ TEST(SolutionFile, OldVersionLoadsUnmodifiedAndIsSavedAsTwo) {
     ProjectElement *root = system.loadSolution(file);
     EXPECT_EQ(*root->attribute("version"), "2");
     EXPECT_FALSE(ProjectSystem::isModified(root, true));
-    EXPECT_TRUE(system.trackingChanges);
-    EXPECT_EQ(root->filePath.text(), file);
-    EXPECT_EQ(root->fileTime, FilePath(file).lastModified());
-    EXPECT_EQ(system.projectNames, (std::vector<std::string>{"P"}));
+    EXPECT_TRUE(system.undoList.empty());
     ASSERT_TRUE(system.saveSolution(root, true));
     EXPECT_EQ(TestDirectory::read(file), R"(<!DOCTYPE Tarnbench_Project_File>
 <solution Name="Old" target="8" version="2">
@@ -242,8 +221,7 @@ TEST(SolutionFile, ReadErrors) {
     };
     EXPECT_EQ(error(directory / "missing.tbp"), " does not exist");
     EXPECT_EQ(error(directory.path()), " cannot access");
-    EXPECT_EQ(error(directory.write("wrong.tbp", "<!DOCTYPE Other>\n<solution/>")),
-              " not a solution file");
+    EXPECT_EQ(error(directory.write("wrong.tbp", "<!DOCTYPE Other>\n<solution/>")), " not a solution file");
     EXPECT_EQ(error(directory.write("plain.tbp", "<solution/>")), " not a solution file");
     EXPECT_EQ(error(directory.write("empty.tbp", "<!DOCTYPE Tarnbench_Project_File>\n")),
               " is a malformed solution file (bad XML)");
@@ -253,16 +231,50 @@ TEST(SolutionFile, ReadErrors) {
     EXPECT_EQ(system.solution, nullptr);
 }
 
-TEST(SolutionFile, FailedWriteChangesNothing) {
+std::string nestedFolders(int depth) {
+    std::string text = "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"Deep\"><project Name=\"P\">";
+    for (int i = 0; i < depth; ++i)
+        text += "<folder Name=\"f\">";
+    text += "<file file_name=\"deep.c\"/>";
+    for (int i = 0; i < depth; ++i)
+        text += "</folder>";
+    return text + "</project></solution>";
+}
+
+TEST(SolutionFile, DeepNestingIsWalkedCopiedSavedAndLoaded) {
     TestDirectory directory;
+    constexpr int depth = 100000;
     TestProjectSystem system;
-    ProjectElement *root = makeBlink(system, directory.path());
-    const FileTime before = root->fileTime;
-    EXPECT_FALSE(system.saveSolutionAs(root, directory / "no/such/dir/x.tbp", false));
-    EXPECT_FALSE(system.saveErrorText.empty());
+    ProjectElement *root = system.loadSolution(directory.write("deep.tbp", nestedFolders(depth)));
+    // Written with its indentation the file would grow with the square of
+    // the depth, so only the document that a save writes is checked here.
+    XMLDocument document;
+    system.buildSolutionDocument(document, root, true);
+    int levels = 0;
+    const XMLNode *node = document.root;
+    for (; node->firstChild; node = node->firstChild)
+        ++levels;
+    EXPECT_EQ(levels, depth + 2);
+    EXPECT_EQ(*node->toElement()->attribute("file_name"), "deep.c");
+
+    // The tree is walked without recursion.
+    ProjectElement *file = system.file("deep.c");
+    EXPECT_EQ(system.absoluteFilePath(file, "Debug"), directory / "deep.c");
+    EXPECT_EQ(ProjectSystem::filesOf(root), std::vector<ProjectElement *>{file});
+    EXPECT_EQ(ProjectSystem::countFiles(system.node("P")), 1);
+    file->modified = true;
     EXPECT_TRUE(ProjectSystem::isModified(root, false));
-    EXPECT_EQ(root->fileTime, before);
-    EXPECT_FALSE(system.saveSolution(nullptr, false));
+    ProjectSystem::clearModified(root, false);
+    EXPECT_FALSE(file->modified);
+    system.setPropertyValue(root, system.nodeProperties.buildQuietly, "Debug", "Yes");
+    EXPECT_EQ(system.getPropertyValue(file, system.nodeProperties.buildQuietly, "Debug"), "Yes");
+
+    const std::string nested = directory.write("nested.tbp", nestedFolders(1000));
+    ASSERT_TRUE(system.saveSolution(system.loadSolution(nested), true));
+    const std::string saved = TestDirectory::read(nested);
+    EXPECT_NE(saved.find(std::string(2 * 1001, ' ') + "<file file_name=\"deep.c\" />\n"), std::string::npos);
+    ASSERT_TRUE(system.saveSolution(system.loadSolution(nested), true));
+    EXPECT_EQ(TestDirectory::read(nested), saved);
 }
 
 TEST(SolutionFile, LargeInputsLoadAndSave) {
@@ -282,53 +294,6 @@ TEST(SolutionFile, LargeInputsLoadAndSave) {
     EXPECT_EQ(TestDirectory::read(file), text);
     ASSERT_TRUE(system.saveSolution(root, true));
     EXPECT_EQ(TestDirectory::read(file).size(), text.size());
-}
-
-std::string nestedFolders(int depth) {
-    std::string text = "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"Deep\"><project Name=\"P\">";
-    for (int i = 0; i < depth; ++i)
-        text += "<folder Name=\"f\">";
-    text += "<file file_name=\"deep.c\"/>";
-    for (int i = 0; i < depth; ++i)
-        text += "</folder>";
-    return text + "</project></solution>";
-}
-
-TEST(SolutionFile, DeepNestingLoadsAndIsCopied) {
-    TestDirectory directory;
-    constexpr int depth = 100000;
-    const std::string file = directory.write("deep.tbp", nestedFolders(depth));
-    TestProjectSystem system;
-    ProjectElement *root = system.loadSolution(file);
-    ProjectElement *deep = ProjectSystem::findFileByPath(root, "deep.c");
-    ASSERT_NE(deep, nullptr);
-    EXPECT_EQ(system.absoluteFilePath(deep, "Debug"), directory / "deep.c");
-
-    // Written with its indentation the file would grow with the square of
-    // the depth, so only the document that a save writes is checked here.
-    XMLDocument document;
-    system.buildSolutionDocument(document, root, true);
-    int levels = 0;
-    const XMLNode *node = document.root;
-    for (; node->firstChild; node = node->firstChild)
-        ++levels;
-    EXPECT_EQ(levels, depth + 2);
-    EXPECT_EQ(*node->toElement()->attribute("file_name"), "deep.c");
-}
-
-TEST(SolutionFile, NestedFoldersSurviveSaveAndLoad) {
-    TestDirectory directory;
-    const std::string file = directory.write("nested.tbp", nestedFolders(1000));
-    TestProjectSystem system;
-    ASSERT_TRUE(system.saveSolution(system.loadSolution(file), true));
-    const std::string saved = TestDirectory::read(file);
-    EXPECT_NE(saved.find(std::string(2 * 1001, ' ') + "<file file_name=\"deep.c\" />\n"),
-              std::string::npos);
-    ProjectElement *root = system.loadSolution(file);
-    EXPECT_EQ(system.absoluteFilePath(ProjectSystem::findFileByPath(root, "deep.c"), "Debug"),
-              directory / "deep.c");
-    ASSERT_TRUE(system.saveSolution(root, true));
-    EXPECT_EQ(TestDirectory::read(file), saved);
 }
 
 } // namespace

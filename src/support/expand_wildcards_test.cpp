@@ -8,99 +8,61 @@
 
 namespace {
 
-class ExpandWildcards : public testing::Test {
-protected:
-    void SetUp() override {
-        for (const char *file : {"src/a.c", "src/b.c", "src/c.h", "src/.hidden.c", "src/ab.cpp",
-                                 "t1/project_templates.xml", "t1/project_templates_extra.xml",
-                                 "t1/other.xml", "t2/project_templates2.xml", "deep/x1/leaf/f.txt",
-                                 "deep/x2/leaf/f.txt", "deep/x3/g.txt", "s_file"})
-            scratch.write(file, "x");
-        makeDirectories(scratch / "t3");
-        ASSERT_EQ(symlink("src", (scratch / "s_link").c_str()), 0);
-    }
+using Names = std::vector<std::string>;
 
-    // The results' texts below the scratch directory, sorted.
-    std::vector<std::string> expand(const std::string &pattern) {
-        std::vector<FilePath> results;
-        expandWildcards(pattern, results);
-        return relative(results);
-    }
-
-    std::vector<std::string> relative(const std::vector<FilePath> &results) {
-        std::vector<std::string> texts;
-        for (const FilePath &path : results) {
-            std::string text = path.text();
-            if (text.starts_with(scratch.path() + "/"))
-                text.erase(0, scratch.path().size() + 1);
-            texts.push_back(text);
-        }
-        std::sort(texts.begin(), texts.end());
-        return texts;
-    }
-
-    using Names = std::vector<std::string>;
+TEST(ExpandWildcards, EachPartMatchesInTurn) {
     TestDirectory scratch;
-};
-
-TEST_F(ExpandWildcards, LastPartMatchesFilesAndDirectories) {
-    EXPECT_EQ(expand(scratch / "src/*.c"), (Names{"src/.hidden.c", "src/a.c", "src/b.c"}));
-    EXPECT_EQ(expand(scratch / "src/?.c"), (Names{"src/a.c", "src/b.c"}));
-    EXPECT_EQ(expand(scratch / "s*"), (Names{"s_file", "s_link", "src"}));
-    EXPECT_EQ(expand(scratch / "src/a*"), (Names{"src/a.c", "src/ab.cpp"}));
-}
-
-TEST_F(ExpandWildcards, WildcardDirectoryParts) {
-    EXPECT_EQ(expand(scratch / "*/project_templates*.xml"),
-              (Names{"t1/project_templates.xml", "t1/project_templates_extra.xml",
-                     "t2/project_templates2.xml"}));
-    EXPECT_EQ(expand(scratch / "deep/*/leaf/*.txt"), (Names{"deep/x1/leaf/f.txt", "deep/x2/leaf/f.txt"}));
-    EXPECT_EQ(expand(scratch / "*/*/leaf"), (Names{"deep/x1/leaf", "deep/x2/leaf"}));
-    // A part before others matches directories only, links to them included.
-    EXPECT_EQ(expand(scratch / "s*/"), (Names{"s_link", "src"}));
-    EXPECT_EQ(expand(scratch / "s*/c.h"), (Names{"s_link/c.h", "src/c.h"}));
-}
-
-TEST_F(ExpandWildcards, ResultsAreNormalisedPaths) {
-    std::vector<FilePath> results;
-    expandWildcards(scratch / "deep/./x3/../x3//*.txt", results);
-    ASSERT_EQ(results.size(), 1u);
-    EXPECT_EQ(results[0].text(), scratch / "deep/x3/g.txt");
-    EXPECT_EQ(expand(scratch / "deep/*/../x3/g.txt"), (Names{"deep/x3/g.txt", "deep/x3/g.txt", "deep/x3/g.txt"}));
-}
-
-TEST_F(ExpandWildcards, NoMatchAddsNothing) {
-    std::vector<FilePath> results{FilePath("kept")};
-    expandWildcards(scratch / "src/*.cpp.none", results);
-    expandWildcards(scratch / "t3/*", results);
-    expandWildcards(scratch / "missing/*.c", results);
-    expandWildcards("/x/*.c", results);
-    expandWildcards(scratch / "s_file/*", results);
-    ASSERT_EQ(results.size(), 1u);
-    EXPECT_EQ(results[0].text(), "kept");
-}
-
-TEST_F(ExpandWildcards, PlainPathsAreAddedIfTheyExist) {
-    const std::string file = scratch / "src/a.c";
-    std::vector<FilePath> results;
-    expandWildcards(file, results);
-    expandWildcards(scratch / "src/none.c", results);
-    ASSERT_EQ(results.size(), 1u);
-    EXPECT_EQ(results[0].text(), file);
-}
-
-TEST_F(ExpandWildcards, RelativePatterns) {
+    for (const char *file : {"src/a.c", "src/b.c", "src/c.h", "src/.hidden.c", "src/ab.cpp", "t1/project_templates.xml",
+                             "t1/project_templates_extra.xml", "t1/other.xml", "t2/project_templates2.xml",
+                             "deep/x1/leaf/f.txt", "deep/x2/leaf/f.txt", "deep/x3/g.txt", "s_file"})
+        scratch.write(file, "x");
+    makeDirectories(scratch / "t3");
+    ASSERT_EQ(symlink("src", (scratch / "s_link").c_str()), 0);
     const ChangeDirectory into(scratch.path());
-    EXPECT_EQ(expand("src/*.h"), Names{"src/c.h"});
-    EXPECT_EQ(expand("./src/*.h"), Names{"src/c.h"});
-    EXPECT_EQ(expand("t?"), (Names{"t1", "t2", "t3"}));
-    EXPECT_EQ(expand("src/../t*/other.xml"), Names{"t1/other.xml"});
+    // Patterns that start with "/" are taken below the scratch directory,
+    // the others relative to it, the current directory.
+    const struct {
+        std::string pattern;
+        Names names;
+    } cases[] = {
+        // The last part matches files and directories, hidden ones too.
+        {"/src/*.c", {"src/.hidden.c", "src/a.c", "src/b.c"}},
+        {"/src/?.c", {"src/a.c", "src/b.c"}},
+        {"/s*", {"s_file", "s_link", "src"}},
+        {"/*/project_templates*.xml",
+         {"t1/project_templates.xml", "t1/project_templates_extra.xml", "t2/project_templates2.xml"}},
+        {"/deep/*/leaf/*.txt", {"deep/x1/leaf/f.txt", "deep/x2/leaf/f.txt"}},
+        {"/*/*/leaf", {"deep/x1/leaf", "deep/x2/leaf"}},
+        // A part before others matches directories only, links to them included.
+        {"/s*/", {"s_link", "src"}},
+        {"/s*/c.h", {"s_link/c.h", "src/c.h"}},
+        // Results are normalised paths.
+        {"/deep/./x3/../x3//*.txt", {"deep/x3/g.txt"}},
+        {"/deep/*/../x3/g.txt", {"deep/x3/g.txt", "deep/x3/g.txt", "deep/x3/g.txt"}},
+        // A plain path is added if it exists.
+        {"/src/a.c", {"src/a.c"}},
+        {"/src/none.c", {}}, {"/src/*.cpp.none", {}}, {"/t3/*", {}}, {"/missing/*.c", {}}, {"/s_file/*", {}},
+        {"src/*.h", {"src/c.h"}}, {"./src/*.h", {"src/c.h"}}, {"t?", {"t1", "t2", "t3"}},
+        {"src/../t*/other.xml", {"t1/other.xml"}},
+    };
+    for (const auto &c : cases) {
+        // Results are added to what is there.
+        std::vector<FilePath> results{FilePath("kept")};
+        expandWildcards(c.pattern.starts_with("/") ? scratch.path() + c.pattern : c.pattern, results);
+        EXPECT_EQ(results.front().text(), "kept");
+        Names texts;
+        for (auto path = results.begin() + 1; path != results.end(); ++path)
+            texts.push_back(path->text().starts_with("/") ? path->text().substr(scratch.path().size() + 1)
+                                                          : path->text());
+        std::sort(texts.begin(), texts.end());
+        EXPECT_EQ(texts, c.names) << c.pattern;
+    }
 }
 
-TEST_F(ExpandWildcards, RootDirectory) {
+TEST(ExpandWildcards, RootDirectory) {
     std::vector<FilePath> results;
     expandWildcards("/*", results);
-    const FilePath top("/" + FilePath(scratch.path()).components().front());
+    const FilePath top("/" + FilePath(currentDirectory()).components().front());
     EXPECT_NE(std::find(results.begin(), results.end(), top), results.end());
     for (const FilePath &path : results)
         EXPECT_EQ(path.text().find("//"), std::string::npos) << path.text();

@@ -1,7 +1,6 @@
 #include "support/lock_file.h"
 
 #include <csignal>
-#include <ctime>
 #include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -17,65 +16,34 @@ bool exists(const std::string &path) {
     return stat(path.c_str(), &st) == 0;
 }
 
-void pause(int milliseconds) {
-    const timespec time{milliseconds / 1000, (milliseconds % 1000) * 1000000L};
-    nanosleep(&time, nullptr);
+// Runs `body` in a second process, which ends with its result as exit status
+// and at the latest after ten seconds. The body may write characters to the
+// descriptor it is given; `in` is the end to read them from.
+pid_t inOtherProcess(int &in, const std::function<int(int out)> &body) {
+    int ends[2];
+    EXPECT_EQ(pipe(ends), 0);
+    fflush(nullptr);
+    const pid_t pid = fork();
+    if (pid == 0) {
+        alarm(10);
+        _exit(body(ends[1]));
+    }
+    close(ends[1]);
+    in = ends[0];
+    return pid;
 }
 
-// A second process that runs `body` and ends with its result as exit
-// status. A pipe each way carries single-character signals.
-class OtherProcess {
-public:
-    explicit OtherProcess(const std::function<int(OtherProcess &)> &body) {
-        int toChild[2], toParent[2];
-        if (pipe(toChild) != 0 || pipe(toParent) != 0)
-            throw std::runtime_error("pipe");
-        fflush(nullptr);
-        pid_ = fork();
-        if (pid_ < 0)
-            throw std::runtime_error("fork");
-        if (pid_ == 0) {
-            close(toChild[1]);
-            close(toParent[0]);
-            in_ = toChild[0];
-            out_ = toParent[1];
-            _exit(body(*this));
-        }
-        close(toChild[0]);
-        close(toParent[1]);
-        in_ = toParent[0];
-        out_ = toChild[1];
-    }
-    ~OtherProcess() {
-        if (pid_ > 0 && !waited_) {
-            kill(pid_, SIGKILL);
-            finish();
-        }
-        close(in_);
-        close(out_);
-    }
+// The exit status of the process, or -1 for one that was killed.
+int finish(pid_t pid) {
+    int status = 0;
+    waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
-    void tell(char signal) { (void)!write(out_, &signal, 1); }
-    // The next signal, or 0 when the other side has gone.
-    char hear() {
-        char signal = 0;
-        return read(in_, &signal, 1) == 1 ? signal : 0;
-    }
-    // Waits for the end; the exit status, or -1 for a killed process.
-    int finish() {
-        int status = 0;
-        waitpid(pid_, &status, 0);
-        waited_ = true;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    void killNow() { kill(pid_, SIGKILL); }
-
-private:
-    pid_t pid_ = -1;
-    int in_ = -1;
-    int out_ = -1;
-    bool waited_ = false;
-};
+char hear(int in) {
+    char signal = 0;
+    return read(in, &signal, 1) == 1 ? signal : 0;
+}
 
 TEST(LockFile, SecondProcessWaitsInVainWhileTheFirstHoldsIt) {
     TestDirectory scratch;
@@ -84,76 +52,52 @@ TEST(LockFile, SecondProcessWaitsInVainWhileTheFirstHoldsIt) {
     ASSERT_TRUE(first.lock(0));
     EXPECT_TRUE(first.isLocked());
     EXPECT_TRUE(exists(name));
-
-    OtherProcess second([&](OtherProcess &) {
+    int in;
+    const pid_t second = inOtherProcess(in, [&](int) {
         QTx::LockFile lock(name);
-        if (lock.tryLock())
+        if (lock.tryLock() || lock.lock(1000))
             return 1;
-        if (lock.lock(1000))
-            return 2;
         lock.release();
-        return exists(name) ? 0 : 3;
+        return exists(name) ? 0 : 2;
     });
-    EXPECT_EQ(second.finish(), 0);
-    EXPECT_TRUE(exists(name));
+    EXPECT_EQ(finish(second), 0);
+    close(in);
     EXPECT_TRUE(first.tryLock());  // still held: true at once
-
     first.release();
     EXPECT_FALSE(first.isLocked());
     EXPECT_FALSE(exists(name));
 
-    OtherProcess third([&](OtherProcess &) {
-        QTx::LockFile lock(name);
-        if (!lock.lock(1000))
-            return 1;
-        return exists(name) ? 0 : 2;  // its end removes the file
-    });
-    EXPECT_EQ(third.finish(), 0);
+    // The holder removes the file when it lets go, also by ending.
+    const pid_t third = inOtherProcess(in, [&](int) { return QTx::LockFile(name).lock(1000) && exists(name) ? 0 : 1; });
+    EXPECT_EQ(finish(third), 0);
+    close(in);
     EXPECT_FALSE(exists(name));
 }
 
-TEST(LockFile, WaitingProcessGetsTheLockWhenTheHolderLetsGo) {
+TEST(LockFile, AWaitingProcessGetsTheLockAndLosesItByDying) {
     TestDirectory scratch;
     const std::string name = scratch / "build.lock";
     QTx::LockFile first(name);
     ASSERT_TRUE(first.tryLock());
-
-    OtherProcess second([&](OtherProcess &self) {
+    int in;
+    const pid_t second = inOtherProcess(in, [&](int out) -> int {
         QTx::LockFile lock(name);
-        self.tell(lock.tryLock() ? 'y' : 'n');
-        if (!lock.lock(5000))
-            return 1;
-        self.tell('l');
-        return self.hear() == 'q' ? 0 : 2;
+        (void)!write(out, lock.tryLock() ? "y" : "n", 1);
+        (void)!write(out, lock.lock(5000) ? "l" : "f", 1);
+        for (;;)
+            pause();  // until killed
     });
-    ASSERT_EQ(second.hear(), 'n');
-    pause(50);  // let it wait a little
+    EXPECT_EQ(hear(in), 'n');
+    usleep(50000);  // let it wait a little
     first.release();
-    EXPECT_EQ(second.hear(), 'l');
-    EXPECT_TRUE(exists(name));
+    EXPECT_EQ(hear(in), 'l');
     EXPECT_FALSE(first.tryLock());  // the other process holds it now
     EXPECT_TRUE(exists(name));      // a failed try leaves the file alone
-    second.tell('q');
-    EXPECT_EQ(second.finish(), 0);
-    EXPECT_FALSE(exists(name));
-}
-
-TEST(LockFile, DeathOfTheHolderFreesTheLock) {
-    TestDirectory scratch;
-    const std::string name = scratch / "build.lock";
-    OtherProcess holder([&](OtherProcess &self) {
-        QTx::LockFile lock(name);
-        self.tell(lock.tryLock() ? 'l' : 'n');
-        self.hear();  // until killed
-        return 0;
-    });
-    ASSERT_EQ(holder.hear(), 'l');
-    QTx::LockFile second(name);
-    EXPECT_FALSE(second.tryLock());
-    holder.killNow();
-    EXPECT_EQ(holder.finish(), -1);
+    kill(second, SIGKILL);
+    EXPECT_EQ(finish(second), -1);
+    close(in);
     EXPECT_TRUE(exists(name));  // the file stays, the lock doesn't
-    EXPECT_TRUE(second.lock(1000));
+    EXPECT_TRUE(first.lock(1000));
 }
 
 TEST(LockFile, OnlyAHolderRemovesTheFile) {
@@ -166,29 +110,21 @@ TEST(LockFile, OnlyAHolderRemovesTheFile) {
         EXPECT_TRUE(exists(name));
     }
     EXPECT_FALSE(exists(name));
-
     scratch.write("build.lock", "kept");
-    {
-        QTx::LockFile idle(name);
-        idle.release();
-    }
+    QTx::LockFile(name).release();
     EXPECT_EQ(TestDirectory::read(name), "kept");
-    {
-        QTx::LockFile lock(name);
-        ASSERT_TRUE(lock.tryLock());
-        lock.release();
-        EXPECT_FALSE(exists(name));
-        lock.release();  // a second release does nothing
-        EXPECT_FALSE(lock.isLocked());
-    }
-}
-
-TEST(LockFile, UnwritablePlaceGivesNoLock) {
-    TestDirectory scratch;
-    QTx::LockFile lock(scratch / "missing/dir/build.lock");
-    EXPECT_FALSE(lock.tryLock());
-    EXPECT_FALSE(lock.lock(20));
+    QTx::LockFile lock(name);
+    ASSERT_TRUE(lock.tryLock());
+    lock.release();
+    EXPECT_FALSE(exists(name));
+    lock.release();  // a second release does nothing
     EXPECT_FALSE(lock.isLocked());
+
+    // No lock where the file can't be made.
+    QTx::LockFile unwritable(scratch / "missing/dir/build.lock");
+    EXPECT_FALSE(unwritable.tryLock());
+    EXPECT_FALSE(unwritable.lock(20));
+    EXPECT_FALSE(unwritable.isLocked());
 }
 
 }  // namespace

@@ -1,13 +1,11 @@
 #pragma once
 
-// A loaded one-project solution under a toolchain, and a builder that keeps
-// what a step asks of it, for the toolchains' unit tests.
+// A loaded one-project solution under a toolchain, for the toolchains' unit
+// tests; their steps are recorded by the RecordingBuilder of the build tests.
 
-#include "build/builder.h"
-#include "support/test_directory.h"
+#include "build/node_build_test_fixture.h"
 
 #include <string>
-#include <vector>
 
 // A solution of one project with the files m.cpp and h.h, loaded by the
 // project system under test; configuration holds attributes of the
@@ -27,9 +25,15 @@ struct Toolchain {
         project = system.findProject(system.solution, "P");
         source = system.findFileByPath(project, "m.cpp");
         header = system.findFileByPath(project, "h.h");
+        recorder.root = directory.path();
     }
-    std::string expand(const std::string &text) {
-        return system.expandProjectMacros(project, text, "Debug");
+    std::string expand(const std::string &text) { return system.expandProjectMacros(project, text, "Debug"); }
+    // The recorded lines of a build step of the element, its output given
+    // relative to the project's directory.
+    Lines step(ProjectElement *element, int kind, const std::string &output, const StringList &inputs) {
+        recorder.lines.clear();
+        system.buildStep(element, "Debug", kind, output, directory / output, inputs, &recorder, 0);
+        return recorder.lines;
     }
     TestDirectory directory;
     SystemMacros macros;
@@ -37,32 +41,5 @@ struct Toolchain {
     ProjectElement *project = nullptr;
     ProjectElement *source = nullptr;
     ProjectElement *header = nullptr;
-};
-
-// Keeps the commands it is given, one line each: the arguments joined by
-// blanks, then " => " and the output file. Files written and deleted, and
-// errors, get lines of their own.
-class CommandBuilder : public Builder {
-public:
-    void beginStep(ProjectElement *, const std::string &title, const std::string &, int) override {
-        lines.push_back("begin " + title);
-    }
-    void endStep(ProjectElement *, const std::string &) override { lines.push_back("end"); }
-    void addCommand(const std::string &, const std::vector<std::string> &arguments,
-                    const std::string &output) override {
-        std::string line;
-        for (const std::string &argument : arguments)
-            line += (line.empty() ? "" : " ") + argument;
-        lines.push_back(line + " => " + output);
-    }
-    void reportError(const std::string &text) override { lines.push_back("error " + text); }
-    void writeLines(const std::string &filePath, const std::vector<std::string> &written) override {
-        lines.push_back("write " + filePath);
-        files.push_back(written);
-    }
-    void deleteFile(const std::string &filePath, bool quiet) override {
-        lines.push_back(std::string(quiet ? "delete quietly " : "delete ") + filePath);
-    }
-    std::vector<std::string> lines;
-    std::vector<std::vector<std::string>> files;
+    RecordingBuilder recorder;
 };

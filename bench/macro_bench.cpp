@@ -2,6 +2,7 @@
 // to 10 MB (the time should grow in step with the size), plain text, the
 // worst nesting of defaults, a cycle that doubles, and many short values.
 // Run by hand: see README.md.
+#include "environment/system_macros.h"
 #include "support/macro_expansion.h"
 
 #include <algorithm>

@@ -56,7 +56,7 @@ struct TwoSlots {
         return lines;
     }
     void touch(const std::vector<std::string> &paths, std::time_t seconds) {
-        std::vector<std::string> arguments{"/usr/bin/touch", "-d", "@" + std::to_string(seconds)};
+        std::vector<std::string> arguments{"/usr/bin/touch", "-d", std::string(1, '@') += std::to_string(seconds)};
         arguments.insert(arguments.end(), paths.begin(), paths.end());
         const auto touched = runProgram(arguments, dir, {});
         ASSERT_EQ(touched.status, 0) << touched.err;

@@ -104,6 +104,6 @@ TEST(IndirectFile, MissingFile) {
     Sandbox box;
     expectRun(box, {"-config", "Debug", "a.tbp", "@missing.txt"},
               error("can't open indirect file missing.txt: No such file or directory"), 1);
-    expectRun(box, {"@" + box.at("none")},
+    expectRun(box, {std::string(1, '@') += box.at("none")},
               error("can't open indirect file " + box.at("none") + ": No such file or directory"), 1);
 }

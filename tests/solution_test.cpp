@@ -186,7 +186,7 @@ TEST(Load, TenThousandConfigurationsAndAHugeValue) {
     std::string text = "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"Big\">\n";
     std::vector<std::string> names{"Common"};
     for (int i = 0; i < 10000; ++i) {
-        names.push_back("C" + std::to_string(i));
+        names.push_back(std::string(1, 'C') += std::to_string(i));
         text += "  <configuration Name=\"" + names.back() + "\" />\n";
     }
     // A 10 MB value on the solution, and a configuration without a name,

@@ -1,5 +1,7 @@
 #include "support/command_line.h"
 
+#include "support/text_split.h"
+
 std::vector<std::string> splitCommandLine(std::string_view text) {
     std::vector<std::string> arguments;
     std::string argument;
@@ -35,18 +37,7 @@ std::vector<std::string> splitCommandLine(std::string_view text) {
 }
 
 std::vector<std::string> splitCommandChain(std::string_view text, std::string_view separator) {
-    std::vector<std::string> parts;
-    size_t start = 0;
-    while (start <= text.size()) {
-        size_t end = separator.empty() ? std::string_view::npos : text.find(separator, start);
-        if (end == std::string_view::npos)
-            end = text.size();
-        const std::string_view part = text.substr(start, end - start);
-        if (part.find_first_not_of(' ') != std::string_view::npos)
-            parts.emplace_back(part);
-        if (end == text.size())
-            break;
-        start = end + separator.size();
-    }
+    std::vector<std::string> parts = splitAtText(text, separator);
+    std::erase_if(parts, [](const std::string &part) { return part.find_first_not_of(' ') == std::string::npos; });
     return parts;
 }

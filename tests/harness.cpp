@@ -86,19 +86,19 @@ const std::string &quillmakePath() {
 }
 
 RunResult runProgram(const std::vector<std::string> &arguments, const std::string &workingDirectory,
-                     const std::map<std::string, std::optional<std::string>> &environment,
-                     const std::string &input) {
-    int outPipe[2], errPipe[2], inPipe[2];
-    if (pipe(outPipe) != 0 || pipe(errPipe) != 0 || pipe(inPipe) != 0)
+                     const std::map<std::string, std::optional<std::string>> &environment) {
+    int outPipe[2], errPipe[2];
+    if (pipe(outPipe) != 0 || pipe(errPipe) != 0)
         throw std::runtime_error("pipe failed");
     const pid_t pid = fork();
     if (pid < 0)
         throw std::runtime_error("fork failed");
     if (pid == 0) {
-        dup2(inPipe[0], 0);
+        const int nothing = open("/dev/null", O_RDONLY);
+        dup2(nothing, 0);
         dup2(outPipe[1], 1);
         dup2(errPipe[1], 2);
-        for (int fd : {outPipe[0], outPipe[1], errPipe[0], errPipe[1], inPipe[0], inPipe[1]})
+        for (int fd : {outPipe[0], outPipe[1], errPipe[0], errPipe[1], nothing})
             close(fd);
         if (!workingDirectory.empty() && chdir(workingDirectory.c_str()) != 0)
             _exit(126);
@@ -117,13 +117,6 @@ RunResult runProgram(const std::vector<std::string> &arguments, const std::strin
     }
     close(outPipe[1]);
     close(errPipe[1]);
-    close(inPipe[0]);
-    if (!input.empty()) {
-        // Small inputs only: the pipe buffer holds them.
-        if (::write(inPipe[1], input.data(), input.size()) < 0)
-            throw std::runtime_error("write failed");
-    }
-    close(inPipe[1]);
 
     RunResult result;
     pollfd fds[2] = {{outPipe[0], POLLIN, 0}, {errPipe[0], POLLIN, 0}};
@@ -155,17 +148,14 @@ RunResult runProgram(const std::vector<std::string> &arguments, const std::strin
     return result;
 }
 
-RunResult runProgram(const std::vector<std::string> &arguments, const std::string &workingDirectory,
-                     const std::map<std::string, std::optional<std::string>> &environment) {
-    return runProgram(arguments, workingDirectory, environment, "");
-}
-
 RunResult runQuillmake(const Sandbox &sandbox, const std::vector<std::string> &arguments,
                        const RunOptions &options) {
-    std::vector<std::string> argv{quillmakePath()};
+    std::vector<std::string> argv{options.program.empty() ? quillmakePath() : options.program};
     argv.insert(argv.end(), arguments.begin(), arguments.end());
+    // Times that a build shows are in UTC.
     std::map<std::string, std::optional<std::string>> environment{
         {"HOME", sandbox.path()},
+        {"TZ", "UTC"},
         {"QUILLMAKE_THREADNUM", std::nullopt},
         {"VELDANE_ROOT_USER_DIR", std::nullopt},
     };
@@ -173,7 +163,7 @@ RunResult runQuillmake(const Sandbox &sandbox, const std::vector<std::string> &a
         environment[name] = value;
     const std::string &cwd =
         options.workingDirectory.empty() ? sandbox.path() : options.workingDirectory;
-    return runProgram(argv, cwd, environment, options.input);
+    return runProgram(argv, cwd, environment);
 }
 
 }  // namespace e2e

@@ -45,7 +45,7 @@ struct RunOptions {
     std::string workingDirectory;   // the sandbox if empty
     // Variables to set (a value) or to remove (nullopt) for the child.
     std::map<std::string, std::optional<std::string>> environment;
-    std::string input;              // standard input; empty means /dev/null
+    std::string program;            // the quillmake binary being tested if empty
 };
 
 // Expects exactly this standard output, standard error and exit status.

@@ -1,6 +1,7 @@
-// Whole programs built with the machine's own gcc, g++ and ar (-host), on a
-// copy of the bundled example solution: a C library with an assembly file, a
-// C++ program that links it, and a staging project.
+// Whole programs built with the machine's own gcc, g++ and ar (-host): a copy
+// of the bundled example solution (a C library with an assembly file, a C++
+// program that links it, and a staging project), property inheritance,
+// precompiled headers, compilation databases and generic option files.
 
 #include "harness.h"
 
@@ -10,6 +11,7 @@
 #include <ctime>
 #include <sstream>
 
+using e2e::expectResult;
 using e2e::runProgram;
 using e2e::runQuillmake;
 using e2e::Sandbox;
@@ -27,23 +29,28 @@ struct HostedExample {
     e2e::RunResult run(const std::string &configuration, std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"-host", "-config", configuration});
         arguments.push_back("hosted.tbp");
-        e2e::RunOptions options;
-        options.environment["TZ"] = "UTC";
-        return runQuillmake(box, arguments, options);
+        return runQuillmake(box, arguments);
     }
     e2e::RunResult calc(const std::string &configuration, const std::string &argument) {
         return runProgram({box.at("Output/" + configuration + "/calc"), argument}, dir, {});
+    }
+    // touch's "-d @<seconds>", built by appending: g++ 12 at -O3 mistakes a
+    // literal prefixed to a temporary for an overlapping copy.
+    static std::string dateArgument(std::time_t seconds) {
+        std::string argument = "@";
+        argument += std::to_string(seconds);
+        return argument;
     }
     // Every file of the sandbox gets the same time, a minute back; the
     // system headers that dependency files name are older still.
     void ageEverything(std::time_t seconds) {
         const auto touched = runProgram(
-            {"/usr/bin/find", dir, "-exec", "/usr/bin/touch", "-h", "-d", "@" + std::to_string(seconds), "{}", "+"}, dir, {});
+            {"/usr/bin/find", dir, "-exec", "/usr/bin/touch", "-h", "-d", dateArgument(seconds), "{}", "+"}, dir, {});
         ASSERT_EQ(touched.status, 0) << touched.err;
     }
     void touch(const std::string &relative, std::time_t seconds) {
         const auto touched =
-            runProgram({"/usr/bin/touch", "-d", "@" + std::to_string(seconds), box.at(relative)}, dir, {});
+            runProgram({"/usr/bin/touch", "-d", dateArgument(seconds), box.at(relative)}, dir, {});
         ASSERT_EQ(touched.status, 0) << touched.err;
     }
     // The compile commands of a Debug build, one per line, as -echo shows
@@ -80,31 +87,87 @@ struct HostedExample {
 
 const std::string calcText = "calc.txt: staged beside the program by the docs project.\n";
 
-TEST(HostBuild, BuildsTheExampleQuietlyAndTheProgramRuns) {
-    HostedExample x;
-    const auto built = x.run("Debug", {});
-    EXPECT_EQ(built.out, "");
-    EXPECT_EQ(built.err, "");
-    EXPECT_EQ(built.status, 0);
-    const auto program = x.calc("Debug", "5");
-    EXPECT_EQ(program.out, "calc (Debug): sum_to(5) = 15, scale_by_eight(5) = 40\n" + calcText);
-    EXPECT_EQ(program.status, 0);
-
-    // Nothing changed: a second build runs nothing.
-    const auto again = x.run("Debug", {"-echo"});
-    EXPECT_EQ(again.out, "");
-    EXPECT_EQ(again.status, 0);
+// The lines of `text`, sorted. With `slots`, each of them must start with
+// the prefix of a slot, which is left out: which of two slots takes which
+// job depends on the children's timing.
+std::vector<std::string> sortedLines(const std::string &text, bool slots) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        EXPECT_TRUE(!slots || line.starts_with("1>") || line.starts_with("2>")) << line;
+        lines.push_back(slots ? line.substr(2) : line);
+    }
+    std::sort(lines.begin(), lines.end());
+    return lines;
 }
+
+// A project with a C and a C++ file whose "Common" configuration holds
+// `settings`, compiled with the generic option files.
+struct GenericOptions {
+    Sandbox box;
+    explicit GenericOptions(const std::string &settings) {
+        box.write("g.tbp", R"x(<!DOCTYPE Tarnbench_Project_File>
+<solution Name="G" version="2">
+  <configuration Name="Debug" />
+  <project Name="Warned">
+    <configuration Name="Common" project_type="Object file" build_intermediate_directory="obj"
+                   build_generate_dependency_file="No" )x" +
+                            settings + R"x( />
+    <file file_name="one.c" />
+    <file file_name="two.cpp" />
+  </project>
+</solution>
+)x");
+        box.write("one.c", "int one(void) { return 1; }\n");
+        box.write("two.cpp", "int two() { return 2; }\n");
+    }
+    e2e::RunResult echo(std::vector<std::string> arguments = {}) {
+        arguments.insert(arguments.begin(), {"-host", "-config", "Debug", "-threadnum", "1", "-echo"});
+        arguments.push_back("g.tbp");
+        return runQuillmake(box, arguments);
+    }
+};
+
+}  // namespace
 
 TEST(HostBuild, ShowPrintsEveryCommandInDependencyOrderAndBuildsNothing) {
     HostedExample x;
-    const auto shown = x.run("Debug", {"-threadnum", "1", "-show"});
-    EXPECT_EQ(shown.out, x.mathlibC("Debug") + x.scaleS() + x.archive() + x.stage() + x.mainCpp() + x.link());
-    EXPECT_EQ(shown.err, "");
-    EXPECT_EQ(shown.status, 0);
+    expectResult(x.run("Debug", {"-threadnum", "1", "-show"}),
+                 x.mathlibC("Debug") + x.scaleS() + x.archive() + x.stage() + x.mainCpp() + x.link(), "", 0);
     EXPECT_FALSE(x.box.exists("Output/Debug/Obj/mathlib/mathlib.o"));
     EXPECT_FALSE(x.box.exists("Output/Debug/mathlib.a"));
     EXPECT_FALSE(x.box.exists("Output/Debug/calc"));
+}
+
+TEST(HostBuild, BuildsQuietlyThenRebuildsOnlyWhatAChangeReaches) {
+    HostedExample x;
+    expectResult(x.run("Debug", {}), "", "", 0);
+    expectResult(x.calc("Debug", "5"), "calc (Debug): sum_to(5) = 15, scale_by_eight(5) = 40\n" + calcText, "", 0);
+    // Nothing changed: nothing runs.
+    const std::time_t someTime = std::time(nullptr) - 60;
+    x.ageEverything(someTime);
+    expectResult(x.run("Debug", {"-echo"}), "", "", 0);
+
+    // mathlib.h is included by mathlib.c and main.cpp, not by scale.S.
+    x.touch("mathlib/mathlib.h", someTime + 1);
+    expectResult(x.run("Debug", {"-threadnum", "1", "-echo"}),
+                 x.mathlibC("Debug") + x.archive() + x.mainCpp() + x.link(), "", 0);
+    expectResult(x.run("Debug", {"-threadnum", "1", "-echo"}), "", "", 0);
+
+    // A changed library relinks the program that depends on it. With two
+    // slots, a job that starts after others have run their commands must
+    // see the files those commands wrote, even where an earlier check in the
+    // same build read the old ones: the compile job of scale.S reads the old
+    // time of scale.o, the archive job must see the new one, and the link
+    // the new archive.
+    x.ageEverything(someTime);
+    x.touch("mathlib/scale.S", someTime + 1);
+    const auto r = x.run("Debug", {"-threadnum", "2", "-echo"});
+    EXPECT_EQ(sortedLines(r.out, true), sortedLines(x.scaleS() + x.archive() + x.link(), false));
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(r.status, 0);
+    expectResult(x.run("Debug", {"-threadnum", "2", "-echo"}), "", "", 0);
+    EXPECT_EQ(x.calc("Debug", "1").status, 0);
 }
 
 TEST(HostBuild, ReleaseTakesItsOwnDefinesOptimizationAndStrip) {
@@ -137,28 +200,6 @@ TEST(HostBuild, ReleaseTakesItsOwnDefinesOptimizationAndStrip) {
     EXPECT_NE(symbols.err.find("no symbols"), std::string::npos) << symbols.err;
 }
 
-TEST(HostBuild, ATouchedHeaderRebuildsOnlyItsDependentsThenNothing) {
-    HostedExample x;
-    ASSERT_EQ(x.run("Debug", {}).status, 0);
-    const std::time_t someTime = std::time(nullptr) - 60;
-    x.ageEverything(someTime);
-    EXPECT_EQ(x.run("Debug", {"-echo"}).out, "");
-
-    // mathlib.h is included by mathlib.c and main.cpp, not by scale.S.
-    x.touch("mathlib/mathlib.h", someTime + 1);
-    const auto rebuilt = x.run("Debug", {"-threadnum", "1", "-echo"});
-    EXPECT_EQ(rebuilt.out, x.mathlibC("Debug") + x.archive() + x.mainCpp() + x.link());
-    EXPECT_EQ(rebuilt.status, 0);
-    const auto again = x.run("Debug", {"-threadnum", "1", "-echo"});
-    EXPECT_EQ(again.out, "");
-    EXPECT_EQ(again.status, 0);
-
-    // A changed library relinks the program that depends on it.
-    x.ageEverything(someTime);
-    x.touch("mathlib/scale.S", someTime + 1);
-    EXPECT_EQ(x.run("Debug", {"-threadnum", "1", "-echo"}).out, x.scaleS() + x.archive() + x.link());
-}
-
 TEST(HostBuild, CleanRemovesWhatTheBuildMadeAndRebuildMakesItAgain) {
     HostedExample x;
     ASSERT_EQ(x.run("Debug", {}).status, 0);
@@ -185,50 +226,46 @@ TEST(HostBuild, CleanRemovesWhatTheBuildMadeAndRebuildMakesItAgain) {
     EXPECT_EQ(x.calc("Debug", "3").status, 0);
 }
 
-TEST(HostBuild, KeepGoingRunsTheRestAfterACompileError) {
+TEST(HostBuild, ACompileErrorStopsTheBuildOrWithKeepGoingTheRestRuns) {
     HostedExample x;
     x.box.write("mathlib/mathlib.c", "long sum_to(long n) { return n + ; }\n");
-    const auto r = x.run("Debug", {"-threadnum", "1", "-keepgoing"});
+    // Between quillmake's own lines, the tools' words pass through as they are.
+    auto own = [](const std::string &err) {
+        std::string lines;
+        std::istringstream in(err);
+        for (std::string line; std::getline(in, line);)
+            for (const char *start : {"Compiling '", "Archiving '", "Linking '", "Build failed", "There were"})
+                if (line.starts_with(start))
+                    lines += line + "\n";
+        return lines;
+    };
+    auto r = x.run("Debug", {"-threadnum", "1"});
+    EXPECT_EQ(r.out, "Error executing " + x.mathlibC("Debug"));
+    // The title goes with the first line of the compiler's error output.
+    EXPECT_TRUE(r.err.starts_with("Compiling 'mathlib.c'\n")) << r.err;
+    EXPECT_NE(r.err.find("mathlib.c:1:34: error: expected expression"), std::string::npos) << r.err;
+    EXPECT_EQ(own(r.err), "Compiling 'mathlib.c'\nBuild failed, exit status 0x1\nThere were 1 build errors\n");
     EXPECT_EQ(r.status, 1);
+    EXPECT_FALSE(x.box.exists("Output/Debug/Obj/mathlib/scale.o"));
+
     // The failing compile, then the archive and the link that lack its
     // object; each is reported on its own account.
+    r = x.run("Debug", {"-threadnum", "1", "-keepgoing"});
     const std::string o = x.dir + "/Output/Debug";
     EXPECT_EQ(r.out, "Error executing " + x.mathlibC("Debug") + "Error executing ar -rcs ../Output/Debug/mathlib.a " +
                          o + "/Obj/mathlib/mathlib.o " + o + "/Obj/mathlib/scale.o\nError executing " + x.link());
-    EXPECT_NE(r.err.find("mathlib.c:1:34: error: expected expression"), std::string::npos) << r.err;
-    EXPECT_NE(r.err.find("Build failed, exit status 0x1 'mathlib.c' in configuration 'Debug' continuing because "
-                         "'keep going on error' has been enabled\n"),
-              std::string::npos)
-        << r.err;
-    EXPECT_EQ(r.err.substr(r.err.size() - 26), "There were 3 build errors\n");
+    const std::string keptGoing = "' in configuration 'Debug' continuing because 'keep going on error' has been enabled\n";
+    EXPECT_EQ(own(r.err), "Compiling 'mathlib.c'\nBuild failed, exit status 0x1 'mathlib.c" + keptGoing +
+                              "Archiving 'mathlib.a'\nBuild failed, exit status 0x1 'mathlib" + keptGoing +
+                              "Linking 'calc'\nBuild failed, exit status 0x1 'calc" + keptGoing +
+                              "There were 3 build errors\n");
+    EXPECT_EQ(r.status, 1);
     // The files that could be built were.
     EXPECT_TRUE(x.box.exists("Output/Debug/Obj/mathlib/scale.o"));
     EXPECT_TRUE(x.box.exists("Output/Debug/Obj/calc/main.o"));
     EXPECT_TRUE(x.box.exists("Output/Debug/calc.txt"));
+    EXPECT_FALSE(x.box.exists("Output/Debug/Obj/mathlib/mathlib.o"));
     EXPECT_FALSE(x.box.exists("Output/Debug/calc"));
-}
-
-TEST(HostBuild, TwoSlotsPrefixEachLineWithItsSlot) {
-    HostedExample x;
-    const auto r = x.run("Debug", {"-threadnum", "2", "-echo"});
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.err, "");
-    // Which slot takes which job depends on timing; each line has a prefix,
-    // and without them the lines are the commands of a one-slot build.
-    std::istringstream lines(r.out);
-    std::vector<std::string> seen;
-    for (std::string line; std::getline(lines, line);) {
-        ASSERT_TRUE(line.rfind("1>", 0) == 0 || line.rfind("2>", 0) == 0) << line;
-        seen.push_back(line.substr(2));
-    }
-    std::istringstream expected(x.mathlibC("Debug") + x.scaleS() + x.archive() + x.stage() + x.mainCpp() + x.link());
-    std::vector<std::string> wanted;
-    for (std::string line; std::getline(expected, line);)
-        wanted.push_back(line);
-    std::sort(seen.begin(), seen.end());
-    std::sort(wanted.begin(), wanted.end());
-    EXPECT_EQ(seen, wanted);
-    EXPECT_EQ(x.calc("Debug", "1").status, 0);
 }
 
 TEST(HostBuild, PropertiesComeDownFromTheSolutionToTheFile) {
@@ -267,6 +304,8 @@ TEST(HostBuild, PropertiesComeDownFromTheSolutionToTheFile) {
         << r.out;
     EXPECT_EQ(r.status, 0);
     EXPECT_EQ(runProgram({box.at("out/app")}, dir, {}).out, "main: project, fast: file\n");
+    // fast.c includes nothing: its dependency file is a single line.
+    expectResult(runQuillmake(box, {"-host", "-config", "Debug", "-echo", "p.tbp"}), "", "", 0);
 }
 
 TEST(HostBuild, APrecompiledHeaderIsCompiledFirstAndUsedByTheOtherFiles) {
@@ -288,8 +327,7 @@ TEST(HostBuild, APrecompiledHeaderIsCompiledFirstAndUsedByTheOtherFiles) {
     box.write("common.h", "#include <string>\ninline std::string greeting() { return \"hello\"; }\n");
     box.write("a.cpp", "#include <cstdio>\nint b();\nint main() { std::printf(\"%s %d\\n\", greeting().c_str(), b()); }\n");
     box.write("b.cpp", "int b() { return int(greeting().size()); }\n");
-    e2e::RunOptions options;
-    const auto r = runQuillmake(box, {"-host", "-config", "Debug", "-threadnum", "2", "-verbose", "p.tbp"}, options);
+    const auto r = runQuillmake(box, {"-host", "-config", "Debug", "-threadnum", "2", "-verbose", "p.tbp"});
     EXPECT_EQ(r.err, "");
     EXPECT_EQ(r.status, 0);
     // The header's compile comes before the other compiles, whichever slot
@@ -341,4 +379,47 @@ TEST(HostBuild, WritesTheCompilationDatabaseWithTheCommandsTheBuildRuns) {
     EXPECT_FALSE(x.box.exists("Output/Debug/calc.json"));
 }
 
-}  // namespace
+TEST(GenericOptions, TheShippedWarningOptionsGoOnTheCompilesOfTheirLanguage) {
+    // One of them is set on the command line.
+    GenericOptions p("gcc_warn_conversion=\"No\" gcc_warn_strict_prototypes=\"Yes\" "
+                     "gcc_warn_old_style_cast=\"Yes\" gcc_errors_from_warnings=\"return-type;format\"");
+    const std::string dir = p.box.path();
+    expectResult(p.echo({"-project", "Warned", "-property", "gcc_warn_shadow=Yes"}),
+                 "gcc -xc -c -fmessage-length=0 -ffunction-sections -fdata-sections -Wshadow -Wno-conversion "
+                 "-Werror=return-type -Werror=format -Wstrict-prototypes -g " + dir + "/one.c -o obj/one.o\n"
+                 "g++ -xc++ -c -fmessage-length=0 -ffunction-sections -fdata-sections -Wshadow -Wno-conversion "
+                 "-Werror=return-type -Werror=format -Wold-style-cast -g " + dir + "/two.cpp -o obj/two.o\n",
+                 "", 0);
+    EXPECT_TRUE(p.box.exists("obj/one.o"));
+    EXPECT_TRUE(p.box.exists("obj/two.o"));
+}
+
+TEST(GenericOptions, AProjectsOwnFileTakesThePlaceOfTheShippedOne) {
+    // Relative to the project; the shipped file's properties mean nothing
+    // while this one is active.
+    GenericOptions p("build_generic_options_file_name=\"options/mine.xml\" gcc_warn_shadow=\"Yes\" "
+                     "my_prefix_map=\"Yes\" my_checks=\"Strict\" my_defines=\"BUILT_FOR=$(Configuration);ONE\"");
+    p.box.write("options/mine.xml", R"x(<options>
+  <property tool="compiler" name="my_prefix_map" type="Enumeration" append="$(ProjectDir)=.">
+    <option value="Yes" option="-fdebug-prefix-map="/>
+    <option value="No" option=""/>
+  </property>
+  <property tool="c_compiler" name="my_checks" type="Enumeration">
+    <option value="Strict" option="-Wmissing-prototypes;-Wmissing-declarations"/>
+  </property>
+  <property tool="cpp_compiler" name="my_defines" type="StringList" option="D"/>
+  <property tool="linker" name="my_link" type="String" option="Wl," default="--no-such-option"/>
+</options>
+)x");
+    const auto r = p.echo();
+    const std::string dir = p.box.path();
+    EXPECT_EQ(r.out, "gcc -xc -c -fmessage-length=0 -ffunction-sections -fdata-sections -fdebug-prefix-map=" + dir +
+                         "=. -Wmissing-prototypes -Wmissing-declarations -g " + dir + "/one.c -o obj/one.o\n"
+                         "g++ -xc++ -c -fmessage-length=0 -ffunction-sections -fdata-sections -fdebug-prefix-map=" +
+                         dir + "=. -DBUILT_FOR=Debug -DONE -g " + dir + "/two.cpp -o obj/two.o\n");
+    // The compiler took the file's warning: one() has no prototype.
+    EXPECT_EQ(r.err.substr(0, 18), "Compiling 'one.c'\n");
+    EXPECT_NE(r.err.find("one.c:1:5: warning: no previous prototype for"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("[-Wmissing-prototypes]"), std::string::npos) << r.err;
+    EXPECT_EQ(r.status, 0);
+}

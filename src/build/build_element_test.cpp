@@ -1,6 +1,7 @@
-// What the build of a node records: its checks, its commands and the
-// toolchain steps it asks for, per kind of project.
+// What the build of a node records per kind of project, when a compile is up
+// to date, and the rules of a dependency file.
 
+#include "build/dependency_file.h"
 #include "build/node_build_test_fixture.h"
 
 #include <filesystem>
@@ -15,36 +16,15 @@ std::string app(const std::string &properties = "", const std::string &files = "
            files + "</project>\n";
 }
 
-// An externally built executable whose sources compile by the project's
-// own commands.
-const std::string externalApp = R"x(<project Name="Ext">
-    <configuration Name="Common" project_type="Externally Built Executable" build_output_file_name="out/ext.elf"
-      external_c_compile_command="cc $(Defines) $(Includes) -c $(RelInputPath) -o $(RelTargetPath) -MF $(RelDependencyPath) $(COptions)"
-      c_preprocessor_definitions="A;B=1" c_user_include_directories="inc" c_additional_options="-O2;-g"
-      external_link_command="ld $(Objects) -o $(RelTargetPath) $(LinkOptions) $(LinkLibraries) @$(RelObjectsFilePath)"
-      external_objects_file_name="$(IntDir)/objects.txt" linker_additional_options="-static" />
-    <file file_name="a.c" /><file file_name="s.s" />
-  </project>
-)x";
-
-const std::string externalBuild = R"x(<project Name="Ext">
-    <configuration Name="Common" project_type="Externally Built Executable"
-      external_build_command="make all" external_clean_command="make clean" external_build_file_name="bin/app" />
-  </project>
-)x";
-
-// out/lib.a is up to date, out/new.a missing.
-std::string archives(const std::string &output) {
-    return R"x(<project Name="Lib">
-    <configuration Name="Common" project_type="Externally Built Library" build_output_file_name=")x" + output + R"x("
+// An archive of a.c, out/new.a, that is missing, and a library of nothing.
+const std::string archives = R"x(<project Name="Lib">
+    <configuration Name="Common" project_type="Externally Built Library" build_output_file_name="out/new.a"
       external_c_compile_command="cc -c $(RelInputPath)"
       external_archive_command="ar rc $(RelTargetPath) $(Objects)&amp;&amp;ranlib $(RelTargetPath)"
       archive_post_build_command="cp $(TargetPath) dist &amp;&amp; echo" archive_post_build_command_wd="dist" />
-    <file file_name="a.c" />
-  </project>
+    <file file_name="a.c" /></project>
   <project Name="Empty"><configuration Name="Common" project_type="Library" /></project>
 )x";
-}
 
 // A staging project of the given files: out/a.txt is up to date, out/b.txt
 // missing and out/c.txt older than c.txt.
@@ -60,11 +40,7 @@ const std::string combining = R"x(<project Name="Doc">
     <configuration Name="Common" project_type="Combining" combine_command_wd="work"
       combine_command="cat $(CombiningRelInputPaths) -o $(CombiningOutputFilePath)" />
     <file file_name="a.txt" /><folder Name="sub"><file file_name="sub/b c.txt" /></folder>
-    <file file_name="off.txt"><configuration Name="Common" build_exclude_from_build="Yes" /></file>
-  </project>
-  <project Name="None">
-    <configuration Name="Common" project_type="Combining" combine_command="touch $(CombiningOutputFilePath)" />
-  </project>
+    <file file_name="off.txt"><configuration Name="Common" build_exclude_from_build="Yes" /></file></project>
 )x";
 
 class BuildElement : public NodeBuildTest {
@@ -77,7 +53,6 @@ protected:
         file("inputs.txt", "lib/x.o\r\n\n/abs/y.o\n", baseTime);
         file("out/Doc", "", baseTime);  // empty is fine for a combined file
         file("c.txt", "x", baseTime + 1);
-        file("late.o", "x", baseTime + 2);
         file("out/c.txt", "x", baseTime);
     }
 };
@@ -94,14 +69,11 @@ TEST_F(BuildElement, WhatABuildOfANodeRecords) {
         BuildFlags flags;
         Lines lines;
         bool result = true;  // something was built
+        bool accept = true;  // the builder accepts the output file
     } cases[] = {
         {app(), "App", 0,
          {"begin Checking 'a.c'", "outcome 'a.c' is up to date", "end", "begin Checking 'b.c'",
-          "outcome 'b.c' is up to date", "end", "begin Checking 'App'", "outcome 'App' is up to date", "end"},
-         false},
-        {app("delete_intermediate_directory=\"Yes\""), "App", clean,
-         {"begin Cleaning 'a.c'", "delete @/obj/a.o", "delete @/obj/a.d", "end", "begin Cleaning 'b.c'",
-          "delete @/obj/b.o", "delete @/obj/b.d", "end", "begin Cleaning 'App'", "delete @/out/app.elf", "end"}},
+          "outcome 'b.c' is up to date", "end", "begin Checking 'App'", "outcome 'App' is up to date", "end"}, false},
         // A missing source stops its compile, unless the build keeps going.
         {app("", "<file file_name=\"gone.c\" />"), "gone.c", quiet,
          {"begin Checking Source File Exists", "error @/gone.c does not exist.", "end"}, false},
@@ -110,21 +82,14 @@ TEST_F(BuildElement, WhatABuildOfANodeRecords) {
           "message step 2 obj/gone.o @/obj/gone.o <- @/gone.c"}},
         {R"x(<project Name="App"><configuration Name="Common" project_type="Executable" />
           <folder Name="one"><file file_name="one/x.c" /></folder><folder Name="two"><file file_name="two/x.c" /></folder>
-          </project>)x",
-         "App", quiet | BuildFilesAreJobs,
+          </project>)x", "App", quiet | BuildFilesAreJobs,
          {"begin Checking For Duplicate Object Files", "error The object file @/obj/x.o has been supplied more than once",
-          "end"},
-         false},
+          "end"}, false},
         // Additional linker inputs are checked, and added once.
         {app("linker_additional_files=\"extra.o;obj/a.o;missing.o\""), "App", jobs,
          {"begin Checking Additional Linker Inputs 'App'", "warning @/obj/a.o supplied more than once",
           "error @/missing.o does not exist.", "end",
           "message step 7 out/app.elf @/out/app.elf <- @/obj/a.o @/obj/b.o @/extra.o @/missing.o", "accept @/out/app.elf"}},
-        // An input later than the target forces the link.
-        {app("linker_additional_files=\"late.o\""), "App", BuildFilesAreJobs,
-         {"begin Checking Additional Linker Inputs 'App'", "end", "begin Checking 'App'",
-          "detail @/late.o (" + timeText(baseTime + 2) + ") is later than @/out/app.elf (" + timeText(baseTime) + ").",
-          "end", "message step 7 out/app.elf @/out/app.elf <- @/obj/a.o @/obj/b.o @/late.o", "accept @/out/app.elf"}},
         // The inputs order and the inputs file replace the objects.
         {app("inputs_order=\"b.c;nothere;a.c\""), "App", jobs,
          {"message step 7 out/app.elf @/out/app.elf <- @/obj/b.o @/obj/a.o", "accept @/out/app.elf"}},
@@ -135,20 +100,19 @@ TEST_F(BuildElement, WhatABuildOfANodeRecords) {
         // Libraries of dependent projects go to the link.
         {app("project_dependencies=\"Lib;Objs;Off\"") + R"x(
           <project Name="Lib"><configuration Name="Common" project_type="Library" build_output_file_name="out/lib.a" />
-          <file file_name="l.c" /></project>
-          <project Name="Objs"><configuration Name="Common" project_type="Object file" />
-          <file file_name="o.c" /><file file_name="o.h" /></project>
-          <project Name="Off"><configuration Name="Common" project_type="Library" build_exclude_from_build="Yes" />
-          </project>)x",
-         "App", jobs,
+          <file file_name="l.c" /></project><project Name="Objs"><configuration Name="Common" project_type="Object file" />
+          <file file_name="o.c" /><file file_name="o.h" /></project><project Name="Off">
+          <configuration Name="Common" project_type="Library" build_exclude_from_build="Yes" /></project>)x", "App", jobs,
          {"message step 7 out/app.elf @/out/app.elf <- @/obj/a.o @/obj/b.o @/out/lib.a @/obj/o.o", "accept @/out/app.elf"}},
         {app("linker_pre_build_command=\"gen $(PostLinkOutputFilePath)\" "
              "linker_pre_build_command_output_file_name=\"gen.ld\" linker_pre_build_command_wd=\"tools\" "
              "linker_post_build_command=\"objcopy $(RelTargetPath) $(PostLinkOutputFilePath) &amp;&amp; echo "
-             "&quot;a b&quot;\" linker_post_build_command_output_file=\"out/app.bin\""),
-         "App", jobs,
+             "&quot;a b&quot;\" linker_post_build_command_output_file=\"out/app.bin\""), "App", jobs,
          {"begin Pre-link command ", "command @/tools | gen gen.ld | ", "end", linked[0], linked[1],
           "begin Post-link command ", "command @ | objcopy out/app.elf out/app.bin | ", "command @ | echo a b | ", "end"}},
+        // A refused output file is removed, and nothing runs after it.
+        {app("linker_post_build_command=\"post\""), "App", jobs,
+         {linked[0], linked[1], "begin Cleaning 'App'", "delete @/out/app.elf", "end"}, true, false},
         // Deleting the intermediate directory ends a link.
         {app("delete_intermediate_directory=\"Yes\""), "App", jobs,
          {linked[0], linked[1], "begin Deleting Intermediate Directory ", "command @ | rm -fr obj | ", "end"}},
@@ -156,32 +120,27 @@ TEST_F(BuildElement, WhatABuildOfANodeRecords) {
              "\"$(InputName).i\" compile_pre_build_command_wd=\"gen\" compile_post_build_command=\"size $(RelTargetPath)\""),
          "a.c", quiet | BuildAlways,
          {"begin Pre-compile command ", "command @/gen | pp a.c | @/gen/a.i", "end",
-          "message step 2 obj/a.o @/obj/a.o <- @/gen/a.i", "begin Post-compile command ", "command @ | size obj/a.o | ",
-          "end"}},
-        // No assemble command: s.s is nothing to the build.
-        {externalApp, "Ext", quiet | BuildAlways,
-         {"begin Compiling 'a.c'", "command @ | cc -DA -DB=1 -Iinc -c a.c -o obj/a.o -MF obj/a.d -O2 -g | @/obj/a.o",
-          "end", "write @/obj/objects.txt | \"@/obj/a.o\"", "begin Linking 'ext.elf'",
-          "command @ | ld @/obj/a.o -o out/ext.elf -static @obj/objects.txt | @/out/ext.elf", "end",
-          "accept @/out/ext.elf"}},
-        {externalBuild, "Ext", quiet, {"begin Running Build command ", "command @ | make all | @/bin/app", "end"}},
-        {externalBuild, "Ext", clean, {"begin Running Clean command ", "command @ | make clean | ", "end"}},
-        {archives("out/new.a"), "Lib", quiet | BuildFilesAreJobs,
+          "message step 2 obj/a.o @/obj/a.o <- @/gen/a.i", "begin Post-compile command ", "command @ | size obj/a.o | ", "end"}},
+        // An externally built executable compiles by its own commands; with no
+        // assemble command, s.s is nothing to the build.
+        {R"x(<project Name="Ext"><configuration Name="Common" project_type="Externally Built Executable"
+      build_output_file_name="out/ext.elf" external_objects_file_name="$(IntDir)/objects.txt"
+      external_c_compile_command="cc $(Defines) $(Includes) -c $(RelInputPath) -o $(RelTargetPath) -MF $(RelDependencyPath) $(COptions)"
+      c_preprocessor_definitions="A;B=1" c_user_include_directories="inc" c_additional_options="-O2;-g"
+      external_link_command="ld $(Objects) -o $(RelTargetPath) $(LinkOptions) $(LinkLibraries) @$(RelObjectsFilePath)"
+      linker_additional_options="-static" /><file file_name="a.c" /><file file_name="s.s" /></project>)x",
+         "Ext", quiet | BuildAlways,
+         {"begin Compiling 'a.c'", "command @ | cc -DA -DB=1 -Iinc -c a.c -o obj/a.o -MF obj/a.d -O2 -g | @/obj/a.o", "end",
+          "write @/obj/objects.txt | \"@/obj/a.o\"", "begin Linking 'ext.elf'",
+          "command @ | ld @/obj/a.o -o out/ext.elf -static @obj/objects.txt | @/out/ext.elf", "end", "accept @/out/ext.elf"}},
+        {R"x(<project Name="Ext"><configuration Name="Common" project_type="Externally Built Executable"
+          external_build_command="make all" external_clean_command="make clean" /></project>)x",
+         "Ext", clean, {"begin Running Clean command ", "command @ | make clean | ", "end"}},
+        {archives, "Lib", quiet | BuildFilesAreJobs,
          {"begin Archiving 'new.a'", "command @ | ar rc out/new.a @/obj/a.o | ", "command @ | ranlib out/new.a | @/out/new.a",
-          "end", "begin Post-archive command ", "command @/dist | cp @/out/new.a dist | ", "command @/dist | echo | ",
-          "end"}},
-        {archives("out/lib.a"), "Lib", BuildFilesAreJobs, {"begin Checking 'Lib'", "outcome 'Lib' is up to date", "end"}, false},
-        {archives("out/lib.a"), "Empty", 0, {"detail Nothing to archive for 'Empty'"}, false},
-        {archives("out/lib.a"), "Empty", quiet, {}, false},
-        // Staging copies the file and sets it writable, read-only or
-        // neither.
-        {staging("", "b.txt"), "b.txt", quiet,
-         {"begin Copying 'b.txt'", "command @ | cp b.txt @/out/b.txt | @/out/b.txt", "command @ | chmod +w @/out/b.txt | ",
-          "end"}},
-        {staging(""), "a.txt", 0, {"begin Checking 'a.txt'", "outcome 'a.txt' is up to date.", "end"}, false},
-        {staging("stage_set_readonly=\"Yes\" stage_command_wd=\"w\""), "a.txt", quiet | BuildAlways,
-         {"begin Copying 'a.txt'", "command @/w | cp a.txt @/out/a.txt | @/out/a.txt",
-          "command @/w | chmod -w @/out/a.txt | ", "end"}},
+          "end", "begin Post-archive command ", "command @/dist | cp @/out/new.a dist | ", "command @/dist | echo | ", "end"}},
+        {archives, "Empty", 0, {"detail Nothing to archive for 'Empty'"}, false}, {archives, "Empty", quiet, {}, false},
+        // A staged copy may be left neither writable nor read-only.
         {staging("stage_set_readonly=\"Don't\""), "a.txt", quiet | BuildAlways,
          {"begin Copying 'a.txt'", "command @ | cp a.txt @/out/a.txt | @/out/a.txt", "end"}},
         // An empty stage command has nothing to do.
@@ -194,18 +153,15 @@ TEST_F(BuildElement, WhatABuildOfANodeRecords) {
         {staging("stage_post_build_command=\"sync\"", "a.txt c.txt"), "Stage", quiet,
          {"begin Copying 'c.txt'", "command @ | cp c.txt @/out/c.txt | @/out/c.txt", "command @ | chmod +w @/out/c.txt | ",
           "end", "begin Post-stage command", "command @ | sync | ", "end"}},
-        // Combining runs over all built files, relative to its directory;
-        // without inputs the command still runs.
+        // Combining runs over all built files, relative to its directory.
         {combining, "Doc", quiet | BuildAlways,
          {"begin Combining 'Doc'", "command @/work | cat ../a.txt ../sub/b c.txt -o @/out/Doc | @/out/Doc",
           "command @/work | chmod +w @/out/Doc | ", "end"}},
         {combining, "Doc", 0, {"begin Checking 'Doc'", "outcome 'Doc' is up to date", "end"}, false},
-        {combining, "None", quiet,
-         {"begin Combining 'None'", "command @ | touch @/out/None | @/out/None", "command @ | chmod +w @/out/None | ",
-          "end"}},
     };
     for (const auto &c : cases) {
         load(c.body);
+        recorder.accept = c.accept;
         EXPECT_EQ(build(c.node, c.flags), c.lines) << c.body;
         EXPECT_EQ(result, c.result) << c.body;
     }
@@ -215,48 +171,6 @@ TEST_F(BuildElement, WhatABuildOfANodeRecords) {
     EXPECT_EQ(build("a.txt", quiet), Lines{});
     // The working directory of the pre-link command has been made.
     EXPECT_TRUE(FileInfo(directory / "tools").isDir());
-}
-
-TEST_F(BuildElement, ARefusedOutputFileIsRemovedAndNothingRunsAfterIt) {
-    load(app("linker_post_build_command=\"post\""));
-    recorder.accept = false;
-    EXPECT_EQ(build("App", jobs), (Lines{"message step 7 out/app.elf @/out/app.elf <- @/obj/a.o @/obj/b.o",
-                                         "accept @/out/app.elf", "begin Cleaning 'App'", "delete @/out/app.elf", "end"}));
-}
-
-// ---- User steps around a project.
-
-TEST_F(BuildElement, PreBuildRunsOnlyWhenSomethingIsOutOfDateOrAlways) {
-    load(app("pre_build_command=\"gen one &amp;&amp; gen two\""));
-    EXPECT_FALSE(system.preBuildStep(node("App"), "Debug", &recorder, quiet));
-    EXPECT_EQ(recorder.lines, Lines{});
-    const Lines run{"begin Pre-Building 'App'", "command @ | gen one | ", "command @ | gen two | ", "end"};
-    EXPECT_TRUE(system.preBuildStep(node("App"), "Debug", &recorder, quiet | BuildAlways));
-    EXPECT_EQ(recorder.lines, run);
-    setTime(directory / "a.c", baseTime + 1);
-    recorder.lines.clear();
-    EXPECT_TRUE(system.preBuildStep(node("App"), "Debug", &recorder, quiet));
-    EXPECT_EQ(recorder.lines, run);
-
-    load(app("pre_build_command=\"gen\" pre_build_command_control=\"Always Run\" pre_build_command_wd=\"g\""));
-    setTime(directory / "a.c", baseTime);
-    recorder.lines.clear();
-    EXPECT_TRUE(system.preBuildStep(node("App"), "Debug", &recorder, quiet));
-    EXPECT_EQ(recorder.lines, (Lines{"begin Pre-Building 'App'", "command @/g | gen | ", "end"}));
-    EXPECT_TRUE(FileInfo(directory / "g").isDir());
-}
-
-TEST_F(BuildElement, PostBuildRunsWhenBuiltOrAlways) {
-    load(app("post_build_command=\"post\""));
-    system.postBuildStep(node("App"), "Debug", &recorder, false);
-    EXPECT_EQ(recorder.lines, Lines{});
-    const Lines run{"begin Post-Building 'App'", "command @ | post | ", "end"};
-    system.postBuildStep(node("App"), "Debug", &recorder, true);
-    EXPECT_EQ(recorder.lines, run);
-    system.setPropertyValue(node("App"), system.toolProperties.postBuildCommandControl, "Common", "Always Run");
-    recorder.lines.clear();
-    system.postBuildStep(node("App"), "Debug", &recorder, false);
-    EXPECT_EQ(recorder.lines, run);
 }
 
 TEST_F(BuildElement, DirectoryStepMakesEachDirectoryOnce) {
@@ -270,20 +184,12 @@ TEST_F(BuildElement, DirectoryStepMakesEachDirectoryOnce) {
     EXPECT_EQ(recorder.lines, (Lines{"begin Creating Build Directories For 'App'", "command @ | mkdir -p obj | ", "end"}));
 }
 
-// ---- Unity folders.
-
-const char *const unityApp = R"x(<project Name="App">
-    <configuration Name="Common" project_type="Executable" build_output_file_name="out/app.elf" linker_map_file="No" />
-    <folder Name="all">
-      <configuration Name="Common" unity_build_file_name="gen/unity.c" unity_build_exclude_filter="skip;;" />
-      <file file_name="x.c" /><file file_name="y.c" /><file file_name="skip_me.c" />
-      <file file_name="off.c"><configuration Name="Common" build_exclude_from_build="Yes" /></file>
-    </folder>
-  </project>
-)x";
-
 TEST_F(BuildElement, AUnityFolderCompilesOneFileAndTheFilteredOnes) {
-    load(unityApp);
+    load(R"x(<project Name="App">
+      <configuration Name="Common" project_type="Executable" build_output_file_name="out/app.elf" linker_map_file="No" />
+      <folder Name="all"><configuration Name="Common" unity_build_file_name="gen/unity.c" unity_build_exclude_filter="skip;;" />
+      <file file_name="x.c" /><file file_name="y.c" /><file file_name="skip_me.c" />
+      <file file_name="off.c"><configuration Name="Common" build_exclude_from_build="Yes" /></file></folder></project>)x");
     for (const char *name : {"x.c", "y.c", "skip_me.c", "off.c"})
         file(name, "x", baseTime);
     // No objects yet: their directory is missing too.
@@ -322,47 +228,183 @@ TEST_F(BuildElement, AUnityFolderCompilesOneFileAndTheFilteredOnes) {
     EXPECT_TRUE(result);
 }
 
-// A build keeps the kinds and object files it has given until it ends.
-TEST_F(BuildElement, ABuildKeepsTheAnswersItHasGivenUntilItEnds) {
-    load(app());
-    system.setDependencyCacheEnabled(true);
-    system.fileStatusCache().setEnabled(true);
-    ProjectElement *source = node("a.c");
-    EXPECT_EQ(system.buildKind(source, "Debug", 0), StandardProjectSystem::KindC);
-    EXPECT_EQ(system.compiledFilePath(StandardProjectSystem::KindC, source, "Debug"), directory / "obj/a.o");
-    // A header is compiled in an analysis, and kept apart.
-    EXPECT_EQ(system.buildKind(source, "Debug", BuildAnalyse), StandardProjectSystem::KindC);
-
-    // Nothing changes properties during a build; if something did, the
-    // answers of this build would stand.
-    system.setPropertyValue(source, system.nodeProperties.buildExcludeFromBuild, "Common", "Yes");
-    system.setPropertyValue(source, system.nodeProperties.buildObjectFileName, "Common", "other.o");
-    EXPECT_EQ(system.buildKind(source, "Debug", 0), StandardProjectSystem::KindC);
-    EXPECT_EQ(system.compiledFilePath(StandardProjectSystem::KindC, source, "Debug"), directory / "obj/a.o");
-    // Each configuration has answers of its own.
-    EXPECT_EQ(system.buildKind(source, "Release", 0), StandardProjectSystem::KindExcluded);
-
-    // The next build asks again.
-    system.setDependencyCacheEnabled(false);
-    system.fileStatusCache().setEnabled(false);
-    EXPECT_EQ(system.buildKind(source, "Debug", 0), StandardProjectSystem::KindExcluded);
-    EXPECT_EQ(system.compiledFilePath(StandardProjectSystem::KindC, source, "Debug"), directory / "other.o");
-}
-
+// The walk keeps its own stack. Property look-ups walk up the tree, so a
+// far deeper tree works but gets slow.
 TEST_F(BuildElement, DeeplyNestedFoldersDontExhaustTheStack) {
-    // The walk keeps its own stack. Property look-ups walk up the tree, so a
-    // far deeper tree works but gets slow.
-    const int depth = 4000;
-    std::string body = "<project Name=\"Deep\"><configuration Name=\"Common\" project_type=\"Library\" />\n";
-    for (int i = 0; i < depth; ++i)
-        body += "<folder Name=\"f\">";
-    body += "<file file_name=\"deep.c\" />";
-    for (int i = 0; i < depth; ++i)
-        body += "</folder>";
-    load(body + "\n</project>\n");
-    file("deep.c", "x", baseTime);
+    std::string open, close;
+    for (int i = 0; i < 4000; ++i) {
+        open += "<folder Name=\"f\">";
+        close += "</folder>";
+    }
+    load("<project Name=\"Deep\"><configuration Name=\"Common\" project_type=\"Library\" />" + open +
+         "<file file_name=\"a.c\" />" + close + "</project>\n");
     EXPECT_EQ(build("Deep", quiet | BuildCheckOnly), Lines{});
     EXPECT_TRUE(result);
+}
+
+// ---- When the compile of main.c is up to date, and what a check says when
+// not.
+
+class UpToDate : public NodeBuildTest {
+protected:
+    // main.c and its object, both at baseTime.
+    void SetUp() override {
+        load(R"x(<project Name="App"><configuration Name="Common" project_type="Executable"
+          build_output_file_name="out/app.elf" /><file file_name="main.c" /></project>)x");
+        file("main.c", "int x;", baseTime);
+        file("obj/main.o", "o", baseTime);
+    }
+    // The check's lines, then the compile's.
+    static Lines rebuilt(const Lines &details) {
+        Lines lines{"begin Checking 'main.c'"};
+        lines.insert(lines.end(), details.begin(), details.end());
+        lines.insert(lines.end(), {"end", "message step 2 obj/main.o @/obj/main.o <- @/main.c"});
+        return lines;
+    }
+    static std::string later(const std::string &input, std::int64_t time, std::int64_t objectTime) {
+        return "detail " + input + " (" + timeText(time) + ") is later than @/obj/main.o (" + timeText(objectTime) + ").";
+    }
+    const Lines upToDate{"begin Checking 'main.c'", "outcome 'main.c' is up to date", "end"};
+};
+
+// A missing or empty object is built. Times compare by the second: a
+// source written later in its object's second is up to date, one a second
+// later is not.
+TEST_F(UpToDate, WhenTheObjectIsOutOfDate) {
+    std::filesystem::remove(directory / "obj/main.o");
+    setTime(directory / "main.c", baseTime, 900000000);
+    EXPECT_EQ(build("main.c", 0), rebuilt({"detail @/obj/main.o does not exist."}));
+    file("obj/main.o", "", baseTime + 5);
+    EXPECT_EQ(build("main.c", 0), rebuilt({"detail @/obj/main.o is empty."}));
+    file("obj/main.o", "o", baseTime, 100000000);
+    EXPECT_EQ(build("main.c", 0), upToDate);
+    EXPECT_FALSE(result);
+    // Each check counts as a step; quiet checks say nothing at all.
+    EXPECT_EQ(idler.steps, 3);
+    EXPECT_EQ(build("main.c", BuildQuietChecks), Lines{});
+    setTime(directory / "main.c", baseTime + 1);
+    EXPECT_EQ(build("main.c", 0), rebuilt({later("@/main.c", baseTime + 1, baseTime)}));
+    EXPECT_TRUE(result);
+    EXPECT_EQ(build("main.c", BuildQuietChecks), (Lines{"message step 2 obj/main.o @/obj/main.o <- @/main.c"}));
+    // A source from the future is named, and rebuilds each time.
+    const std::int64_t future = FileTime::now().seconds() + 3600;
+    setTime(directory / "main.c", future);
+    const Lines expected = rebuilt({"detail clock skew detected on @/main.c.", later("@/main.c", future, baseTime)});
+    EXPECT_EQ(build("main.c", 0), expected);
+    EXPECT_EQ(build("main.c", 0), expected);
+}
+
+TEST_F(UpToDate, DependencyFileListsTheInputs) {
+    file("inc/a.h", "", baseTime);
+    file("inc/b c.h", "", baseTime);
+    // A rule for another target contributes nothing; "other.h" would be newer.
+    file("other.h", "", baseTime + 10);
+    file("obj/main.d", "obj/main.o: main.c inc/a.h \\\n inc/b\\ c.h\nobj/other.o: other.h\n", baseTime);
+    EXPECT_EQ(build("main.c", 0), upToDate);
+    setTime(directory / "inc/b c.h", baseTime + 1);
+    EXPECT_EQ(build("main.c", 0), rebuilt({later("inc/b c.h", baseTime + 1, baseTime)}));
+    // A dependency that has gone is named and rebuilds.
+    file("obj/main.d", "obj/main.o: main.c inc/gone.h\n", baseTime);
+    EXPECT_EQ(build("main.c", 0), rebuilt({"detail @/inc/gone.h does not exist."}));
+}
+
+TEST_F(UpToDate, ForcedIncludesAndOptionFilesCountWithoutADependencyFile) {
+    file("force.h", "", baseTime + 2);
+    file("opts.txt", "-O2", baseTime + 3);
+    system.trackingChanges = false;  // only the files speak here
+    system.setPropertyValue(node("main.c"), system.toolProperties.cIncludeFiles, "Debug", "force.h");
+    EXPECT_EQ(build("main.c", 0), rebuilt({later("force.h", baseTime + 2, baseTime)}));
+    system.clearPropertyValue(node("main.c"), system.toolProperties.cIncludeFiles, "Debug");
+    system.setPropertyValue(node("main.c"), system.toolProperties.cOnlyAdditionalOptionsFromFile, "Debug", "opts.txt");
+    EXPECT_EQ(build("main.c", 0), rebuilt({later("opts.txt", baseTime + 3, baseTime)}));
+}
+
+TEST_F(UpToDate, PropertyChangesOfThisRunThatApplyToTheStepRebuild) {
+    system.trackingChanges = true;
+    // A link option, a change on another project's node and one of another
+    // configuration leave the compile alone.
+    system.setPropertyValue(node("App"), system.toolProperties.linkerAdditionalOptions, "Debug", "-x");
+    system.setPropertyValue(node("App"), system.toolProperties.cPreprocessorDefinitions, "Release", "R");
+    EXPECT_EQ(build("main.c", BuildQuietChecks), Lines{});
+    system.setPropertyValue(node("App"), system.toolProperties.cPreprocessorDefinitions, "Common", "A");
+    EXPECT_EQ(build("main.c", 0), rebuilt({"message Preprocessor Definitions property has changed."}));
+}
+
+// The dependency cache keeps its answers while it is on; a target resolves
+// against the project's directory.
+TEST_F(UpToDate, DependenciesAndTargetsAreLookedUp) {
+    const std::string output = directory / "obj/main.o";
+    file("obj/main.d", "main.c a.h\n", baseTime);
+    system.setDependencyCacheEnabled(true);
+    EXPECT_EQ(system.fileDependencies(node("main.c"), "Debug", output), (StringList{"main.c", "a.h"}));
+    file("obj/main.d", "obj/main.o: main.c b.h\nmain.c c.h\n", baseTime);
+    EXPECT_EQ(system.fileDependencies(node("main.c"), "Debug", output), (StringList{"main.c", "a.h"}));
+    // Off, each question reads the file; a line without a target counts only
+    // when nothing came before.
+    system.setDependencyCacheEnabled(false);
+    EXPECT_EQ(system.fileDependencies(node("main.c"), "Debug", output), (StringList{"main.c", "b.h"}));
+    EXPECT_EQ(system.fileDependencies(node("main.c"), "Debug", directory / "obj/none.o"), StringList{});
+    file("obj/t.o", "x", baseTime, 5);
+    std::string resolved;
+    FileTime time;
+    EXPECT_TRUE(system.checkTarget(directory.path(), "obj/../obj/t.o", resolved, time, &recorder, false, true));
+    EXPECT_EQ(resolved, directory / "obj/t.o");
+    EXPECT_EQ(time, FileTime(baseTime, 5));
+    EXPECT_FALSE(system.checkTarget(directory.path(), "none", resolved, time, nullptr, false, true));
+    EXPECT_EQ(recorder.lines, Lines{});
+}
+
+// ---- The rules of a dependency file.
+
+using Names = std::vector<std::string>;
+using Rules = std::vector<std::pair<Names, Names>>;  // targets, prerequisites
+
+Rules parse(const std::string &text) {
+    Rules rules;
+    for (const DependencyRule &rule : parseDependencyRules(text))
+        rules.emplace_back(rule.targets, rule.prerequisites);
+    return rules;
+}
+
+TEST(DependencyFile, RulesOfAText) {
+    const struct {
+        const char *text;
+        Rules rules;
+    } cases[] = {
+        // Continuation lines join into one rule; a colon that ends a line
+        // closes the targets too.
+        {"obj/a.o: a.c \\\n  inc/a.h \\\r\n inc/b.h\n\nb.h:\n", {{{"obj/a.o"}, {"a.c", "inc/a.h", "inc/b.h"}}, {{"b.h"}, {}}}},
+        // Escaped blanks and "#" stay in the name, "$$" is one "$", other
+        // backslashes stay as they are.
+        {"my\\ obj.o: my\\ file.c dir\\ x/a\\#b.h cost$$.h c:\\src\\d.h\n",
+         {{{"my obj.o"}, {"my file.c", "dir x/a#b.h", "cost$.h", "c:\\src\\d.h"}}}},
+        {"t.o: \\ lead.h trail\\ \tx$y.h $$$ a\\b.h", {{{"t.o"}, {" lead.h", "trail ", "x$y.h", "$$", "a\\b.h"}}}},
+        // A line without a target is all prerequisites.
+        {"a.c\tb.h   c.h", {{{}, {"a.c", "b.h", "c.h"}}}},
+        // Only ": " cuts: "C:/x" is a name. A continuation at the end of the
+        // text ends the rule.
+        {"a.o a.d: C:/x/a.c\nlast.o: \\", {{{"a.o", "a.d"}, {"C:/x/a.c"}}, {{"last.o"}, {}}}},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(parse(c.text), c.rules) << c.text;
+}
+
+// Names are scanned in runs: an escape or a blank is found wherever it falls
+// in a name, and a name may end anywhere.
+TEST(DependencyFile, EscapesAndBlanksAtEveryPlaceInALongName) {
+    const std::string stem = "/usr/include/x86_64-linux-gnu/bits";
+    for (std::size_t at = 0; at <= stem.size(); ++at) {
+        const std::string before = stem.substr(0, at), after = stem.substr(at);
+        for (const auto &[written, read] :
+             {std::pair<std::string, std::string>{"\\ ", " "}, {"$$", "$"}, {"\\#", "#"}, {"\\x", "\\x"}}) {
+            // The last name ends with the text, at every length.
+            Names expected{before + read + after, "z.h"};
+            if (!before.empty())
+                expected.push_back(before);
+            EXPECT_EQ(parse("t.o: " + before + written + after + "\tz.h " + before), (Rules{{{"t.o"}, expected}}))
+                << written << " at " << at;
+        }
+    }
 }
 
 }  // namespace

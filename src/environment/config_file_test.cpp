@@ -38,28 +38,22 @@ struct Configuration : ::testing::Test {
 } // namespace
 
 TEST(ConfigurationValue, KnownNamesOnlyAndEachOnce) {
+    // A home directory that holds a reference: a replacement isn't searched again.
+    UserEnvironment user("/home/$(UserHomeDir)", std::nullopt);
     const struct {
-        const char *home, *value, *expand, *expected;
+        const char *value, *expand, *expected;
     } cases[] = {
-        {"/home/a", "$(StudioDir)/x", nullptr, "/inst/x"},
-        {"/home/a", "$(UserHomeDir)", nullptr, "/home/a"},
-        {"/home/a", "[$(UserDataDir)]$(StudioDir)", nullptr, "[/home/a/.local/share]/inst"},
+        {"$(StudioDir)/x", nullptr, "/inst/x"}, {"$(UserHomeDir)!", nullptr, "/home/$(UserHomeDir)!"},
+        {"[$(UserDataDir)]$(StudioDir)", nullptr, "[/home/$(UserHomeDir)/.local/share]/inst"},
         // Other names give nothing; the names are case sensitive.
-        {"/home/a", "$(Unknown)/a", nullptr, "/a"}, {"/home/a", "$(studiodir)/a", nullptr, "/a"},
-        {"/home/a", "$(HostOS)$()", nullptr, ""}, {"/home/a", "$$(StudioDir)", nullptr, "$/inst"},
-        {"/home/a", "no references", nullptr, "no references"}, {"/home/a", "", nullptr, ""},
+        {"$(Unknown)/a", nullptr, "/a"}, {"$(studiodir)/a", nullptr, "/a"}, {"$(HostOS)$()", nullptr, ""},
+        {"$$(StudioDir)", nullptr, "$/inst"}, {"no references", nullptr, "no references"}, {"", nullptr, ""},
         // An unclosed reference ends the replacing.
-        {"/home/a", "a$(StudioDir)b$(UserHomeDir c", nullptr, "a/instb$(UserHomeDir c"},
-        {"/home/a", "$(x$(StudioDir)", nullptr, ""},
+        {"a$(StudioDir)b$(UserHomeDir c", nullptr, "a/instb$(UserHomeDir c"}, {"$(x$(StudioDir)", nullptr, ""},
         // expand="no" in any case keeps the text.
-        {"/home/a", "$(StudioDir)", "NO", "$(StudioDir)"}, {"/home/a", "$(StudioDir)", "no", "$(StudioDir)"},
-        {"/home/a", "$(StudioDir)", "No", "$(StudioDir)"}, {"/home/a", "$(StudioDir)", "yes", "/inst"},
-        {"/home/a", "$(StudioDir)", "none", "/inst"},
-        // A replacement isn't searched again.
-        {"/home/$(UserHomeDir)", "$(UserHomeDir)!", nullptr, "/home/$(UserHomeDir)!"},
+        {"$(StudioDir)", "nO", "$(StudioDir)"}, {"$(StudioDir)", "yes", "/inst"}, {"$(StudioDir)", "none", "/inst"},
     };
     for (const auto &c : cases) {
-        UserEnvironment user(c.home, std::nullopt);
         XMLElement element("setting");
         element.setAttribute("value", c.value);
         if (c.expand)
@@ -149,19 +143,13 @@ TEST_F(Configuration, FailuresAreTracedAndTheRunGoesOn) {
                         "error: cannot load configuration file - couldn't read " + install + "/bin/config.xml\n");
 }
 
-TEST(ConfigFile, OneStorePerProcessAndTheShippedFileReadsCleanly) {
-    SystemMacros first, second;
-    ConfigFile &store = ConfigFile::instance(first);
-    EXPECT_EQ(&ConfigFile::instance(second), &store);
-
-    TestDirectory scratch;
-    const std::string traceFile = scratch / "trace.txt";
-    setTraceDestination(traceFile.c_str());
+TEST_F(Configuration, OneStorePerProcessAndTheShippedFileReadsCleanly) {
+    SystemMacros other;
+    EXPECT_EQ(&ConfigFile::instance(macros), &ConfigFile::instance(other));
     scratch.write("inst/bin/config.xml", TestDirectory::read(QUILLMAKE_SHIPPED_CONFIG));
-    ConfigFile config(first);
-    config.load(scratch / "inst");
-    setTraceDestination(nullptr);
-    EXPECT_EQ(TestDirectory::read(traceFile), "");
-    ASSERT_NE(config.document().root, nullptr);
-    EXPECT_EQ(config.setting("root-user-dir", "unset"), "");
+    ConfigFile shipped(macros);
+    shipped.load(install);
+    EXPECT_EQ(traced(), "");
+    ASSERT_NE(shipped.document().root, nullptr);
+    EXPECT_EQ(shipped.setting("root-user-dir", "unset"), "");
 }

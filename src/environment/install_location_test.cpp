@@ -7,7 +7,6 @@
 
 #include <climits>
 #include <cstdlib>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -22,7 +21,6 @@ std::string realPath(const std::string &path) {
 TEST(InstallLocation, CanonicalDirectoriesAboveTheExecutable) {
     const std::string running = executablePath("ignored");
     EXPECT_EQ(running, realPath("/proc/self/exe"));
-    EXPECT_TRUE(running.ends_with("/environment_test"));
 
     TestDirectory scratch;
     scratch.write("inst/bin/prog");
@@ -51,6 +49,7 @@ TEST(ToolPath, TheInstallationsToolsRun) {
     for (const char *name : {"gcc", "/bin/cp", "cpp", ""})
         EXPECT_EQ(toolPath(name), name);
 
+    // The build commands run mkdir, chmod and rm; the others run here.
     TestDirectory dir;
     const std::string bytes("one\0two\n", 8);
     dir.write("a.txt", bytes);
@@ -61,16 +60,8 @@ TEST(ToolPath, TheInstallationsToolsRun) {
         EXPECT_EQ(errors, std::vector<std::string>{});
         return output;
     };
-    run({"mkdir", "-p", "sub/deeper"});
-    run({"cp", "a.txt", "sub/deeper/b.txt"});
-    EXPECT_EQ(TestDirectory::read(dir / "sub/deeper/b.txt"), bytes);
-    run({"mv", "sub/deeper/b.txt", "c.txt"});
+    run({"cp", "a.txt", "b.txt"});
+    run({"mv", "b.txt", "c.txt"});
     EXPECT_EQ(TestDirectory::read(dir / "c.txt"), bytes);
-    run({"chmod", "-w", "c.txt"});
-    struct stat info;
-    ASSERT_EQ(stat((dir / "c.txt").c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 0222, 0u);
-    run({"rm", "-f", "c.txt"});
-    EXPECT_NE(access((dir / "c.txt").c_str(), F_OK), 0);
     EXPECT_EQ(run({"echo", "hello", "world"}), std::vector<std::string>{"hello world"});
 }

@@ -55,30 +55,6 @@ public:
 
 } // namespace
 
-TEST(IndirectTokens, OnlyBlanksSeparateAndQuotesHaveNoEscapes) {
-    const struct {
-        const char *line, *tokens;
-        bool unterminated;
-    } cases[] = {
-        {"  -config   Debug  ", "[-config][Debug]", false}, {"a\tb c\t", "[a\tb][c\t]", false},
-        {"", "", false}, {"    ", "", false}, {"\t", "[\t]", false},
-        {"-config \"Debug Version\" x", "[-config][Debug Version][x]", false},
-        {"\"a\\\" b", "[a\\][b]", false}, {"\"\" x", "[][x]", false},
-        // Quotes side by side and inside bare tokens.
-        {"\"a\"\"b\"", "[a][b]", false}, {"\"a\"b c", "[a][b][c]", false}, {"a\"b c\"", "[a\"b][c\"]", false},
-        // An unterminated quote keeps the tokens before it.
-        {"-batch x \"abc def", "[-batch][x]", true}, {"\"", "", true}, {"\"a\" \"b", "[a]", true},
-    };
-    for (const auto &c : cases) {
-        const QTx::IndirectLine line = QTx::tokenizeIndirectLine(c.line);
-        std::string tokens;
-        for (const std::string &token : line.tokens)
-            tokens += "[" + token + "]";
-        EXPECT_EQ(tokens, c.tokens) << c.line;
-        EXPECT_EQ(line.unterminated, c.unterminated) << c.line;
-    }
-}
-
 TEST(ArgParse, ListsAndIndirectFiles) {
     TestDirectory dir;
     const std::string args = dir.write("args", "# -f is a comment\n-v \"Debug Version\" a\r\n #x\n\n-v\nnext\nlast");
@@ -115,10 +91,8 @@ TEST(ArgParse, ListsAndIndirectFiles) {
         // A prefix option takes the rest of the argument, the exact key an
         // empty value. The first prefix in key order wins, even over a longer
         // match, but an exact key is looked up first.
-        {{"-Iinclude"}, 1, "I='include' ", ""},
-        {{"-I"}, 1, "I='' ", ""},
-        {{"-Iqx"}, 1, "I='qx' ", ""},
-        {{"-Iq"}, 1, "Iq='' ", ""},
+        {{"-Iinclude"}, 1, "I='include' ", ""}, {{"-I"}, 1, "I='' ", ""},
+        {{"-Iqx"}, 1, "I='qx' ", ""}, {{"-Iq"}, 1, "Iq='' ", ""},
         // Options of the other phase are stepped over with their values.
         {{"-early", "dir", "-v", "x", "plain"}, 1, "v='x' [plain]", ""},
         {{"-early", "dir", "-v", "x", "plain", "-f"}, 0, "early='dir' ", ""},
@@ -161,14 +135,10 @@ TEST(ArgParse, ListsAndIndirectFiles) {
 }
 
 TEST(ArgParse, HelpEntriesSplitSortedIgnoringCaseAndDropped) {
-    std::ostringstream errors;
-    ProgramLog log("qm", errors);
-    ArgParse parser(&log);
+    ArgParse parser(nullptr);
     bool flag = false;
-    parser.addFlagOption("-b", &flag, "-b: second;-A 'x':first: with colon");
-    parser.addFlagOption("-c", &flag, "no colon");
-    parser.addFlagOption("-d", &flag, "");
-    parser.addFlagOption("-e", &flag, "-C:third;;");
+    // Entries without a colon, empty ones among them, are dropped.
+    parser.addFlagOption("-b", &flag, "-b: second;-A 'x':first: with colon;no colon;-C:third;;");
     std::string entries;
     for (const auto &entry : parser.helpEntries())
         entries += entry.left + "|" + entry.right + "\n";
@@ -179,10 +149,8 @@ TEST(ArgParse, HelpEntriesSplitSortedIgnoringCaseAndDropped) {
 TEST(ProgramLog, EveryErrorIsOneCountedLine) {
     std::ostringstream stream;
     ProgramLog log("/usr/bin/quillmake", stream);
-    EXPECT_EQ(log.errorCount(), 0);
     // Asking for the stream counts, before anything is written.
     std::ostream &out = log.errorStream();
-    EXPECT_EQ(&out, &stream);
     EXPECT_EQ(log.errorCount(), 1);
     out << "first" << '\n';
     log.error("second");

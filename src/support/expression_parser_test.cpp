@@ -53,70 +53,47 @@ std::string repeat(const std::string &text, int count) {
 TEST(SimpleExpressionParserTest, ResultsAndErrors) {
     SimpleExpressionParser parser;
     expectResults(parser, {
-        {"unknown:", {"", "   "}},
-        {"long long:1", {"1 2", "(((((1)))))", "0||2", "1<<64"}},  // shift counts are taken modulo 64
-        {"long long:14", {"2+3*4"}}, {"long long:20", {"(2+3)*4"}}, {"long long:8", {"1<<2+1", "010"}},
-        {"long long:3", {"10-4-3"}}, {"long long:-3", {"-7/2"}}, {"long long:5", {"+5", "- -5", "5%0"}},
-        {"long long:-1", {"-7%3", "-1>>1", "~0", "0xFFFFFFFFFFFFFFFF"}}, {"long long:21", {"0b101+0x10"}},
-        {"long long:13", {"12UL+1"}}, {"long long:2", {"6&3"}}, {"long long:7", {"6|3"}}, {"long long:0", {"09"}},
+        {"unknown:", {"   "}}, {"long long:7", {"6|3"}},
+        {"long long:1", {"0||2", "1<<64"}},  // shift counts are taken modulo 64
+        {"long long:5", {"+5", "5%0"}}, {"long long:-1", {"-7%3", "-1>>1", "~0"}}, {"long long:21", {"0b101+0x10"}},
         {"long long:9223372036854775807", {"99999999999999999999"}},  // decimal literals saturate
-        {"long long:55", {"1+2+3+4+5+6+7+8+9+10"}},
         // -1 divides everything; 64 bits wrap.
-        {"long long:0", {"7%-1", "0x8000000000000000%-1", "1&&0"}},
-        {"long long:-9223372036854775808", {"0x8000000000000000/-1", "0x7FFFFFFFFFFFFFFF+1", "1<<63", "1<<-1"}},
+        {"long long:0", {"0x8000000000000000%-1", "1&&0"}},
+        {"long long:-9223372036854775808", {"0x8000000000000000/-1", "0x7FFFFFFFFFFFFFFF+1"}},
         // A float on either side makes a float.
-        {"double:2.5", {"5.0/2", "5/2.0", "3-0.5"}}, {"double:3", {"1.5*2"}}, {"double:-1.5", {"-1.5"}},
-        {"string:a", {"\"a\""}}, {"string:a\\\"b", {"\"a\\\"b\""}},
+        {"double:2.5", {"5/2.0", "3-0.5"}}, {"double:3", {"1.5*2"}}, {"string:a\\\"b", {"\"a\\\"b\""}},
         // Booleans compute as 0 and 1 and stay booleans.
-        {"boolean:true", {"1==1", "1<2", "3>=3", "-1<0", "\"a\"==\"a\"", "\"a\"<\"b\"", "!0", "!0.0", "!!5",
-                          "1==1 & 2", "(1==1)+(1==1)", "(1==1)/2", "(1==1)>(1==2)", "(1==2)||5",
-                          "1==1.5"}},  // the right side is read as a signed integer
-        {"boolean:false", {"1!=1", "2<=1", "3>4", "\"a\"!=\"a\"", "!1", "(1==1)-(1==1)", "(1==1)*0", "(1==1)%2",
-                           "(1==1)^(2==2)", "(1==1)&&(2==3)"}},
+        {"boolean:true", {"3>=3", "-1<0", "1==1 & 2", "(1==1)/2", "(1==1)>(1==2)", "(1==2)||5"}},
+        {"boolean:false", {"2<=1", "\"a\"!=\"a\"", "(1==1)%2", "(1==1)^(2==2)"}},
         // Both sides of && are evaluated: no short cut.
-        {"error: divide by zero", {"1/0", "1.0/0.0", "1/0.0", "1.0/0", "(1==2)&&(1/0)"}},
-        {"error: unsupported binary numeric operation", {"4/(1==1)", "4/\"a\"", "\"a\"+1", "1.5%2", "1.5&1", "1.5&&1"}},
+        {"error: divide by zero", {"(1==2)&&(1/0)"}}, {"error: unrecognised token: \"abc", {"1 + \"abc"}},
+        {"error: unsupported binary numeric operation", {"4/(1==1)", "\"a\"+1", "1.5%2", "1.5&1", "1.5&&1"}},
         {"error: unsupported comparison operation", {"1.5==1.5", "\"a\"<1"}},
-        {"error: can only shift numeric values", {"1.5<<1", "(1==1)<<1"}},
-        {"error: integer shift value expected", {"1<<1.0", "1<<(1==1)"}},
-        {"error: unsupported unary num operation", {"-\"a\"", "~1.5", "~(1==1)", "!\"a\""}},
-        {"error: operator not supported", {"1?2:3", "1,2", "1>>>2", "1>>>=2"}},
-        {"error: unexpected token TOKEN_EOL", {"1?", "1+", "(int*)"}},  // the right side comes first
-        {"error: unexpected token TOKEN_RPAREN", {")"}}, {"error: unexpected token TOKEN_SEMICOLON", {";"}},
-        {"error: unrecognised token: \"abc", {"1 + \"abc"}},
-        {"error: ')' expected", {"(1", "(1]", "1(2", "1(2+3)", "sizeof(1", "sizeof(int", "(int",
-                                 "addressof(\"f\", 1", "symbolat(1"}},
+        {"error: can only shift numeric values", {"(1==1)<<1"}}, {"error: integer shift value expected", {"1<<(1==1)"}},
+        {"error: unsupported unary num operation", {"-\"a\"", "~(1==1)", "!\"a\""}},
+        {"error: operator not supported", {"1>>>=2"}}, {"error: ')' expected", {"(1"}},
+        {"error: unexpected token TOKEN_EOL", {"(int*)"}},  // the right side comes first
         // At most ten operands and operators.
-        {"error: Expression too complicated", {"1+1+1+1+1+1+1+1+1+1+1", "-1+-1+-1+-1+-1+-1"}},
-        {"long long:-5", {"-1-1-1-1-1", "-1+-1+-1+-1+-1"}},
-        {"error: identifier expected", {"a::", "::1", "1.", "1->2", "(1)::2", "(struct { int ; })1"}},
-        {"error: expected ']'", {"1[0", "1[0:2"}},
-        {"error: a symbol not found", {"1+a", "a=1"}}, {"error: a::b::c symbol not found", {"a::b::c"}},
+        {"error: Expression too complicated", {"1+1+1+1+1+1+1+1+1+1+1"}}, {"long long:-5", {"-1+-1+-1+-1+-1"}},
+        {"error: identifier expected", {"a::"}}, {"error: expected ']'", {"1[0"}},
         {"error: ::x symbol not found", {"::x"}}, {"error: r0unknown register", {"@r0"}},
-        {"error: bad expression type", {"1=2", "1+=2", "++1", "1--"}},
-        {"error: cannot dereference", {"*1", "1[0]", "1 .x", "1->x", "(1)::x", "1.*2", "1->*2"}},
-        {"error: bad index type", {"1[0.5]"}}, {"error: cannot array slice", {"1[0:2]"}},
-        {"error: start should be an integer", {"1[0.5:2]"}}, {"error: stop should be an integer", {"1[0:\"x\"]"}},
-        {"error: function calling not implemented", {"1()", "1(2,3)"}},
-        {"error: cannot take address of a constant", {"&1"}},
+        {"error: bad expression type", {"1+=2"}}, {"error: cannot dereference", {"1[0]", "(1)::x", "1.*2"}},
+        {"error: cannot array slice", {"1[0:2]"}}, {"error: start should be an integer", {"1[0.5:2]"}},
+        {"error: stop should be an integer", {"1[0:\"x\"]"}}, {"error: function calling not implemented", {"1()"}},
         {"error: addressof not implemented", {"&(1+1)", "addressof(\"main.c\", 12)"}},
-        {"error: cannot determine sizeof of a constant", {"sizeof (1)"}},
-        {"error: sizeof expression not implemented", {"sizeof(1+1)", "sizeof x"}},
-        {"error: sizeof(typename) not implemented", {"sizeof(int)"}},
-        {"error: '(' expected", {"addressof", "symbolat 1"}}, {"error: string expected", {"addressof(1"}},
-        {"error: ',' expected", {"addressof(\"f\" 1"}}, {"error: int expected", {"addressof(\"f\", x"}},
-        {"error: symbolat not implemented", {"symbolat(1)"}},
-        // A compound assignment copies its target; a cast or sizeof can't be
-        // copied.
-        {"error: cannot duplicate expression", {"(int)1+=2", "sizeof x-=2", "++(int)1"}},
+        {"error: cannot determine sizeof of a constant", {"sizeof (1)"}}, {"error: '(' expected", {"addressof"}},
+        {"error: sizeof expression not implemented", {"sizeof(1+1)"}}, {"error: string expected", {"addressof(1"}},
+        {"error: sizeof(typename) not implemented", {"sizeof(int)"}}, {"error: ',' expected", {"addressof(\"f\" 1"}},
+        {"error: int expected", {"addressof(\"f\", x"}}, {"error: symbolat not implemented", {"symbolat(1)"}},
+        // A compound assignment copies its target; a sizeof can't be copied.
+        {"error: cannot duplicate expression", {"sizeof x-=2"}}, {"error: cannot take address of a constant", {"&1"}},
         // Type names.
-        {"error: cannot cast", {"(int)1"}}, {"error: ']' expected", {"(int[2)1", "(int[x])1"}},
-        {"error: struct type not found", {"(struct s)1"}}, {"error: '{' expected", {"(struct 1)1"}},
-        {"error: ';' expected", {"(struct { int a })1"}},
+        {"error: ']' expected", {"(int[x])1"}}, {"error: struct type not found", {"(struct s)1"}},
+        {"error: '{' expected", {"(struct 1)1"}}, {"error: ';' expected", {"(struct { int a })1"}},
         {"error: integer must follow ':'", {"(struct { int a : x; })1"}},
         {"error: struct parse error", {"(struct { int a;"}},
         {"error: UserType expected", {"(struct { 1 a; })1", "(struct { s a; })1"}},
-        {"error: size expected", {"(register x)1"}}, {"error: fieldname expected", {"(register 4 1)1", "(register 4"}},
+        {"error: size expected", {"(register x)1"}}, {"error: fieldname expected", {"(register 4"}},
         {"error: bitoffset expected", {"(register 4 f x)1"}}, {"error: bitsize expected", {"(register 4 f 0;)1"}},
     });
 }
@@ -131,7 +108,6 @@ TEST(SimpleExpressionParserTest, DeepInputFailsCleanly) {
           "1" + repeat(".a", 50000), "1" + repeat("++", 50000), "1" + repeat("()", 50000)}},
         // Long flat inputs are fine.
         {"error: cannot cast", {"(" + repeat("const ", 50000) + "int)1"}},
-        {"string:" + repeat("x", 100000), {"\"" + repeat("x", 100000) + "\""}},
         {"error: a" + repeat("::a", 50000) + " symbol not found", {"a" + repeat("::a", 50000)}},
     });
 }
@@ -143,15 +119,12 @@ TEST(SimpleExpressionParserTest, Trees) {
     } cases[] = {
         {"-(1+x)*2", "(NegateExpression((0x1+Identifier(x)))*0x2)"},
         {"!~a::b", "LogicalNotExpression(BitNotExpression(Identifier(a::b)))"},
-        {"x += 1", "(Identifier(x)=(Identifier(x)+0x1))"},
         {"x++", "(Identifier(x)=(Identifier(x)+0x1))"},
         {"*p", "(Identifier(p)[]0x0)"},
         {"p->q.r", "((Identifier(p)->Identifier(q)).Identifier(r))"},
         {"f(1, \"s\")[0:2]", "Identifier(f)(0x1, \"s\")[0x0:0x2]"},
         {"1.5 - @sp", "(1.5-@sp)"},
-        {"a = b = c", "((Identifier(a)=Identifier(b))=Identifier(c))"},
         // A cast shows the type that was read; it can't be copied.
-        {"(unsigned)1", "CastExpression(unsigned int, 0x1)"},
         {"(long long int)1", "CastExpression(long long, 0x1)"},
         {"(unsigned short int*)1", "CastExpression(unsigned short*, 0x1)"},
         {"(long double)1", "CastExpression(double, 0x1)"},
@@ -170,21 +143,15 @@ TEST(SimpleExpressionParserTest, Trees) {
         }
     }
 
-    // Names given an address evaluate to it, in the parser's address size;
-    // copies keep it.
+    // Names given an address evaluate to it, in the parser's address size.
     const std::unique_ptr<Expression> tree = parser.parse("a*2+a");
-    int names = 0;
     tree->visit(
-        [](Expression &node, void *argument) {
-            if (auto *identifier = dynamic_cast<IdentifierExpression *>(&node)) {
+        [](Expression &node, void *) {
+            if (auto *identifier = dynamic_cast<IdentifierExpression *>(&node))
                 identifier->setAddress(0x100);
-                ++*static_cast<int *>(argument);
-            }
         },
-        &names);
-    EXPECT_EQ(names, 2);
+        nullptr);
     EXPECT_EQ(describe(tree->evaluate()), "unsigned int:768");
-    EXPECT_EQ(describe(tree->clone()->evaluate()), "unsigned int:768");
 }
 
 TEST(SimpleExpressionParserTest, TypedEvaluatorsAndEndPosition) {
@@ -198,11 +165,9 @@ TEST(SimpleExpressionParserTest, TypedEvaluatorsAndEndPosition) {
         std::int64_t asSigned;
         bool boolean, truth;
     } cases[] = {
-        {"0xFFFFFFFFFFFFFFFF", true, UINT64_MAX, -1, false, false},
-        {"0x1000 + 4*4", true, 0x1010, 0x1010, false, false},
-        {"-2.5", true, 0xC004000000000000, -2, false, false},        {"", false, 0, 0, false, false},
-        {"1==1", false, 0, 0, true, true},  {"!1", false, 0, 0, true, false}, {"\"7\"", false, 0, 0, false, false},
-        {"1/0", false, 0, 0, false, false}, {"#", false, 0, 0, false, false},  {"a==1", false, 0, 0, false, false},
+        {"-2.5", true, 0xC004000000000000, -2, false, false},
+        {"!1", false, 0, 0, true, false},
+        {"a==1", false, 0, 0, false, false},
     };
     for (const auto &c : cases) {
         bool ok = !c.numeric;
@@ -215,13 +180,9 @@ TEST(SimpleExpressionParserTest, TypedEvaluatorsAndEndPosition) {
         EXPECT_EQ(parser.evaluateBoolean(c.text, ok), c.truth) << c.text;
         EXPECT_EQ(ok, c.boolean) << c.text;
     }
-
-    // The end position is behind the last token read.
-    int end = -1;
+    int end = -1;  // behind the last token read
     EXPECT_EQ(parser.evaluate("1 2 3", &end).asSigned(), 1);
     EXPECT_EQ(end, 3);
-    EXPECT_EQ(parser.parse("  ", &end), nullptr);
-    EXPECT_EQ(end, 2);
 }
 
 // ---- A parser with variables, for the paths that need markers ----
@@ -305,6 +266,19 @@ TEST(ExpressionParserTest, MarkersAreReadAndWritten) {
         {"unsigned int:4", {"sizeof(u32*)"}}, {"string:u32[4] 18", {"(u32[4])x"}}, {"string:at 18", {"symbolat(x)"}},
         {"error: y symbol not found", {"y"}},
     });
+}
+
+TEST(HException, CountsLiveObjectsAndFormatsPosition) {
+    const int before = HException::liveCount();
+    {
+        HException plain("cannot create x");
+        HException placed("bad token", 3, 7);
+        HException copy = placed;
+        EXPECT_EQ(HException::liveCount(), before + 3);
+        EXPECT_EQ(plain.message(), "cannot create x");
+        EXPECT_EQ(copy.message(), "bad token line: 3 column: 7");
+    }
+    EXPECT_EQ(HException::liveCount(), before);
 }
 
 }  // namespace

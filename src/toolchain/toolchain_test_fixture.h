@@ -1,10 +1,10 @@
 #pragma once
 
-// A loaded one-project solution under a toolchain, for the toolchains' unit
-// tests; their steps are recorded by the RecordingBuilder of the build tests.
+// Solutions under a toolchain for its unit tests, recorded by the build tests' RecordingBuilder.
 
 #include "build/node_build_test_fixture.h"
 
+#include <set>
 #include <string>
 
 // A solution of one project with the files m.cpp and h.h, loaded by the
@@ -43,3 +43,15 @@ struct Toolchain {
     ProjectElement *header = nullptr;
     RecordingBuilder recorder;
 };
+
+using Names = std::set<std::string>;
+
+// The names of `wanted` that the rows or values of a list have.
+template <class List>
+Names among(const List &list, const Names &wanted) {
+    Names names;
+    for (const auto &row : list)
+        if (wanted.count(row->name()))
+            names.insert(row->name());
+    return names;
+}

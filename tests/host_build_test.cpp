@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <filesystem>
 #include <sstream>
 
 using e2e::expectResult;
@@ -21,10 +22,13 @@ namespace {
 struct HostedExample {
     Sandbox box;
     std::string dir;
+    // A clean copy: whatever a user built in the source tree (the example's
+    // ignored Output/ folder) stays behind.
     HostedExample() : dir(box.path()) {
         const auto copied =
             runProgram({"/bin/cp", "-R", std::string(QUILLMAKE_SOURCE_DIR) + "/examples/hosted/.", dir}, dir, {});
         EXPECT_EQ(copied.status, 0) << copied.err;
+        std::filesystem::remove_all(box.at("Output"));
     }
     e2e::RunResult run(const std::string &configuration, std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"-host", "-config", configuration});

@@ -3,6 +3,7 @@
 #include "support/file_utils.h"
 
 #include <cstdio>
+#include <filesystem>
 
 bool Builder::waitForCommand(ProjectElement *, const std::string &, int &) { return true; }
 void Builder::reportWarning(const std::string &) {}
@@ -32,11 +33,19 @@ void Builder::writeLines(const std::string &filePath, const std::vector<std::str
         stopCommand();
         return;
     }
-    for (const auto &line : lines) {
-        std::fwrite(line.data(), 1, line.size(), file);
-        std::fputc('\n', file);
+    bool written = true;
+    for (const auto &line : lines)
+        written = written && std::fwrite(line.data(), 1, line.size(), file) == line.size() &&
+                  std::fputc('\n', file) != EOF;
+    if (std::fclose(file) != 0 || !written) {
+        // A full disk must not leave a cut-off list that the next build reads
+        // as whole. Only a regular file is removed: the path may be a device.
+        std::error_code error;
+        if (std::filesystem::is_regular_file(filePath, error))
+            std::filesystem::remove(filePath, error);
+        reportError("cannot write " + filePath);
+        stopCommand();
     }
-    std::fclose(file);
 }
 
 bool Builder::appendWaitDescriptors(std::vector<int> &) { return true; }

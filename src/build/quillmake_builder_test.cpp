@@ -15,6 +15,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <map>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -166,6 +167,23 @@ TEST_F(Console, FilesThatCantBeWrittenOrDeletedAreErrors) {
     builder_->writeLines(directory / "a", {"x"});  // a directory in the file's place
     EXPECT_EQ(errors(), "cannot mkdir " + plain + "/sub\ncannot open " + (directory / "a") + "\n");
     EXPECT_EQ(builder_->errorCount, 2);
+
+    // A write cut short (here by a file size limit, as a full disk would)
+    // leaves no list behind; a device is reported but not removed.
+    builder();
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{}, small{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    small = {4096, limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    const std::string cut = directory / "cut.txt";
+    builder_->writeLines(cut, {"first", std::string(5000, 'x')});
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, oldHandler);
+    EXPECT_FALSE(exists(cut));
+    builder_->writeLines("/dev/full", {"x"});
+    EXPECT_TRUE(exists("/dev/full"));
+    EXPECT_EQ(errors(), "cannot write " + cut + "\ncannot write /dev/full\n");
 
     // A file deleted already is no error when quiet; otherwise it counts
     // twice, as an error and as a failed step.

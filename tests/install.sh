@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs the build tree into a temporary prefix and builds the hosted
+# example from another directory with the quillmake that the PATH finds.
+# Only quillmake may appear in <prefix>/bin: the installation's own tools
+# must not shadow the system's.
+# Usage: tests/install.sh <source-dir> <build-dir>
+set -euo pipefail
+source=$1 build=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fail() { echo "FAIL: $*"; exit 1; }
+
+cmake --install "$build" --prefix "$work/prefix" >/dev/null
+[[ "$(ls "$work/prefix/bin")" == quillmake ]] || fail "<prefix>/bin holds: $(ls "$work/prefix/bin")"
+for f in quillmake config.xml gcc_warning_options.xml cp rm mkdir chmod mv echo; do
+  [[ -e "$work/prefix/lib/quillmake/bin/$f" ]] || fail "lib/quillmake/bin/$f is missing"
+done
+
+cp -R "$source/examples/hosted" "$work/example"
+rm -rf "$work/example/Output"
+cd "$work/example"
+PATH="$work/prefix/bin:/usr/bin:/bin" quillmake -host -config Debug hosted.tbp >"$work/out" 2>&1 ||
+  fail "the build failed: $(cat "$work/out")"
+expected='calc (Debug): sum_to(12) = 78, scale_by_eight(12) = 96
+calc.txt: staged beside the program by the docs project.'
+[[ "$(Output/Debug/calc 12)" == "$expected" ]] || fail "calc printed: $(Output/Debug/calc 12)"
+echo "installed and built the example through the PATH"

@@ -3,6 +3,7 @@
 #include "support/base_type.h"
 #include "support/expression.h"
 #include "support/exceptions.h"
+#include "support/text_split.h"
 
 #include <gtest/gtest.h>
 
@@ -41,13 +42,6 @@ void expectResults(ExpressionParser &parser, const std::vector<Same> &cases) {
             EXPECT_EQ(result, c.result) << text.substr(0, 60);
         }
     }
-}
-
-std::string repeat(const std::string &text, int count) {
-    std::string result;
-    for (int i = 0; i < count; ++i)
-        result += text;
-    return result;
 }
 
 TEST(SimpleExpressionParserTest, ResultsAndErrors) {

@@ -33,13 +33,6 @@ struct Expansion : ::testing::Test {
     }
 };
 
-std::string repeat(const std::string &text, size_t count) {
-    std::string result;
-    for (size_t i = 0; i < count; ++i)
-        result += text;
-    return result;
-}
-
 TEST_F(Expansion, References) {
     const struct {
         const char *text, *expanded;

@@ -57,3 +57,12 @@ inline std::string joinItems(const std::vector<std::string> &items, std::string_
     }
     return text;
 }
+
+// The text `count` times over.
+inline std::string repeat(std::string_view text, size_t count) {
+    std::string result;
+    result.reserve(text.size() * count);
+    for (size_t i = 0; i < count; ++i)
+        result += text;
+    return result;
+}

@@ -14,13 +14,6 @@
 
 namespace {
 
-std::string repeat(const std::string &text, int times) {
-    std::string result;
-    while (times-- > 0)
-        result += text;
-    return result;
-}
-
 // A subtree as tag[attributes](children), "data", !comment and [CDATA], with
 // "@n" for a node found on line n other than 0.
 std::string shape(const XMLNode *node) {

@@ -19,13 +19,6 @@ namespace {
 const std::string kPrefix = "XmlPP::processConditionals(): ";
 const std::string stops = " copied and included nodes; processing stops\n";
 
-std::string repeat(const std::string &text, int times) {
-    std::string result;
-    while (times-- > 0)
-        result += text;
-    return result;
-}
-
 // A document on one line, with ' for " and "<e a='1'/>" for "<e a='1' />".
 std::string oneLine(XMLDocument &document) {
     std::string out;

@@ -5,6 +5,11 @@
 set -euo pipefail
 
 packages=(g++ cmake ninja-build libgtest-dev zlib1g-dev libbz2-dev)
+# The ARM cross tools that the installation links to (Debian 12's clang is
+# clang-14), their C and C++ libraries, and the emulator that runs their
+# programs in the tests.
+packages+=(gcc-arm-none-eabi binutils-arm-none-eabi libnewlib-arm-none-eabi
+  libstdc++-arm-none-eabi-newlib qemu-system-arm clang lld)
 case "${1:-}" in
   --fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;
   --coverage) packages+=(gcovr) ;;

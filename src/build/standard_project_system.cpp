@@ -43,6 +43,13 @@ void StandardProjectSystem::selectPlatform(ProjectElement *, const std::string &
 void StandardProjectSystem::buildStep(ProjectElement *element, const std::string &configuration, int step,
                                       const std::string &, const std::string &, const StringList &,
                                       Builder *builder, BuildFlags) {
+    unavailableStep(element, configuration, step, builder,
+                    "error: compiling, assembling, linking and archiving with the " + platformName() +
+                        " toolchain are not available yet");
+}
+
+void StandardProjectSystem::unavailableStep(ProjectElement *element, const std::string &configuration, int step,
+                                            Builder *builder, const std::string &message) {
     if (!builder)
         return;
     const char *verb = step == KindLink      ? "Linking '"
@@ -50,8 +57,7 @@ void StandardProjectSystem::buildStep(ProjectElement *element, const std::string
                        : step == KindAssembly ? "Assembling '"
                                               : "Compiling '";
     builder->beginStep(element, verb + displayName(element) + "'", configuration, 0);
-    builder->reportError("error: compiling, assembling, linking and archiving with the " +
-                         platformName() + " toolchain are not available yet");
+    builder->reportError(message);
     builder->endStep(element, configuration);
 }
 

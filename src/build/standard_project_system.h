@@ -54,6 +54,10 @@ public:
     virtual void buildStep(ProjectElement *element, const std::string &configuration, int step,
                            const std::string &outputRelative, const std::string &outputFile,
                            const StringList &inputs, Builder *builder, BuildFlags flags);
+    // The heading of a build step that can't run, and the error that says
+    // why.
+    void unavailableStep(ProjectElement *element, const std::string &configuration, int step, Builder *builder,
+                         const std::string &message);
     // The absolute path of the file that a step makes; empty for none:
     // build_object_file_name for steps 2 to 4 (build_preprocess_output_file_name
     // for a "Preprocess" file), build_output_file_name for 7 and 8,
@@ -232,6 +236,10 @@ public:
     // the target.
     bool propertiesChanged(ProjectElement *element, const std::string &configuration,
                            FileTime targetTime, int kind, Builder *builder, bool quiet);
+    // True if this run changed one of properties on the node or above it,
+    // in the configuration or one it inherits, after time.
+    bool propertyChangedSince(ProjectElement *element, const std::string &configuration,
+                              const std::vector<PropertyClass *> &properties, FileTime time);
     // The dependency cache of fileDependencies, and the answers that
     // buildKind and compiledFilePath keep: on for the time of a build.
     virtual void setDependencyCacheEnabled(bool enabled);
@@ -264,6 +272,9 @@ public:
                               const std::string &configuration, const MacroMap &extra);
 
 private:
+    // The newest change of this run that propertyChangedSince looks for.
+    const PropertyUndoRecord *changeSince(ProjectElement *element, const std::string &configuration,
+                                          const std::vector<PropertyClass *> &properties, FileTime time);
     int findBuildKind(ProjectElement *element, const std::string &configuration, bool analyse);
 
     FileStatusCache fileStatus_;

@@ -70,31 +70,42 @@ bool StandardProjectSystem::inputsAreOlder(const std::string &directory, const s
     return true;
 }
 
+const PropertyUndoRecord *StandardProjectSystem::changeSince(ProjectElement *element,
+                                                             const std::string &configuration,
+                                                             const std::vector<PropertyClass *> &properties,
+                                                             FileTime time) {
+    if (undoList.empty())
+        return nullptr;
+    const StringList inherited = inheritedConfigurations(element, configuration);
+    for (const PropertyUndoRecord &change : undoList) {
+        if (!(change.time > time))
+            break;  // newest first: the rest are older still
+        if (change.configuration != configuration && change.configuration != "Common" &&
+            std::find(inherited.begin(), inherited.end(), change.configuration) == inherited.end())
+            continue;
+        if (std::find(properties.begin(), properties.end(), change.property) == properties.end())
+            continue;
+        for (ProjectElement *node = element; node; node = parent(node))
+            if (node == change.element)
+                return &change;
+    }
+    return nullptr;
+}
+
+bool StandardProjectSystem::propertyChangedSince(ProjectElement *element, const std::string &configuration,
+                                                 const std::vector<PropertyClass *> &properties, FileTime time) {
+    return changeSince(element, configuration, properties, time) != nullptr;
+}
+
 bool StandardProjectSystem::propertiesChanged(ProjectElement *element,
                                               const std::string &configuration,
                                               FileTime targetTime, int kind, Builder *builder,
                                               bool quiet) {
-    if (!undoList.empty()) {
-        const std::vector<PropertyClass *> &applying = propertyClasses.toolProperties(kind);
-        const StringList inherited = inheritedConfigurations(element, configuration);
-        for (const PropertyUndoRecord &change : undoList) {
-            if (!(change.time > targetTime))
-                break;  // newest first: the rest are older still
-            if (change.configuration != configuration && change.configuration != "Common" &&
-                std::find(inherited.begin(), inherited.end(), change.configuration) ==
-                    inherited.end())
-                continue;
-            if (std::find(applying.begin(), applying.end(), change.property) == applying.end())
-                continue;
-            bool concerns = false;
-            for (ProjectElement *node = element; node && !concerns; node = parent(node))
-                concerns = node == change.element;
-            if (!concerns)
-                continue;
-            if (!quiet && builder)
-                builder->reportMessage(change.property->shortText() + " property has changed.");
-            return false;
-        }
+    if (const PropertyUndoRecord *change =
+            changeSince(element, configuration, propertyClasses.toolProperties(kind), targetTime)) {
+        if (!quiet && builder)
+            builder->reportMessage(change->property->shortText() + " property has changed.");
+        return false;
     }
 
     std::vector<PropertyClass *> optionFiles;

@@ -79,9 +79,14 @@ const MacroMap &ProjectMacroSource::userMacros() {
     return *userMacros_;
 }
 
-// The toolchain fills a map that holds everything before it.
+// The toolchain fills a map that holds everything before it. Filling it
+// expands properties whose text may name tool macros again: such an inner
+// expansion finds none rather than recursing.
 const MacroMap &ProjectMacroSource::toolMacros() {
+    static const MacroMap none;
     if (!toolMacros_) {
+        if (system_.fillingToolMacros)
+            return none;
         MacroMap map = userMacros();
         for (std::size_t which = 0; which < StudioDir; ++which) {
             if (const std::string *value = builtIn(which))
@@ -93,7 +98,14 @@ const MacroMap &ProjectMacroSource::toolMacros() {
         }
         if (const std::string *value = builtIn(StudioDir))
             map[std::string(builtInNames[StudioDir])] = *value;
-        system_.addToolMacros(element_, configuration_, map);
+        system_.fillingToolMacros = true;
+        try {
+            system_.addToolMacros(element_, configuration_, map);
+        } catch (...) {
+            system_.fillingToolMacros = false;
+            throw;
+        }
+        system_.fillingToolMacros = false;
         toolMacros_ = std::move(map);
     }
     return *toolMacros_;

@@ -118,6 +118,9 @@ public:
     // False for every name that addToolMacros never adds, so that expanding
     // other names needn't make the tool macros.
     virtual bool mayBeToolMacro(std::string_view name) const;
+    // True while addToolMacros runs: the properties it expands see no tool
+    // macros of their own.
+    bool fillingToolMacros = false;
     // A value for a property that no store holds; false lets the class's
     // default stand.
     virtual bool defaultPropertyValue(ProjectElement *element, const std::string &configuration,

@@ -359,17 +359,14 @@ PropertyValueList ProjectSystem::toolPropertyValues(ProjectElement *element,
              ";"))
         pages.insert(PropertyClass::normalisedPage(page));
 
-    // One line per save name, in name order: the order of the set means
-    // nothing, and a listing is easiest to read sorted.
+    // One line per class, in name order: the order of the set means
+    // nothing, and a listing is easiest to read sorted. A copy of a row for
+    // another page is a class of its own, with the same save name.
     set.erase(std::remove(set.begin(), set.end(), nullptr), set.end());
     std::stable_sort(set.begin(), set.end(), [](const PropertyClass *a, const PropertyClass *b) {
-        return a->name() < b->name();
+        return a->name() != b->name() ? a->name() < b->name() : a->page() < b->page();
     });
-    set.erase(std::unique(set.begin(), set.end(),
-                          [](const PropertyClass *a, const PropertyClass *b) {
-                              return a->name() == b->name();
-                          }),
-              set.end());
+    set.erase(std::unique(set.begin(), set.end()), set.end());
 
     PropertyValueList list;
     for (PropertyClass *property : set)

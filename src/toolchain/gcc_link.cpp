@@ -186,6 +186,61 @@ void GCCProjectSystem::linkStep(ProjectElement *element, const std::string &conf
     builder->endStep(element, configuration);
 }
 
+bool GCCProjectSystem::hasLinkerScript(ProjectElement *element, const std::string &configuration,
+                                       std::string &path, Builder *builder) {
+    // A linker script among the project's files wins.
+    std::vector<ProjectElement *> pending{projectOf(element)};
+    while (!pending.empty()) {
+        ProjectElement *node = pending.back();
+        pending.pop_back();
+        if (!node)
+            continue;
+        if (isFile(node) && fileTypeName(node, configuration) == "Linker Script" &&
+            getPropertyValue(node, nodeProperties.buildExcludeFromBuild, configuration) != "Yes") {
+            path = sourcePath(node, configuration);
+            return true;
+        }
+        for (XMLNode *child = node->firstChild; child; child = child->nextSibling)
+            if (ProjectElement *below = ProjectElement::from(child); below && (isFile(below) || isFolder(below)))
+                pending.push_back(below);
+    }
+    const ToolProperties &tools = toolProperties;
+    if (!usesBrenlowLinker(element, configuration) &&
+        getPropertyValue(element, tools.linkUseLinkerScriptFile, configuration) != "Yes")
+        return true;
+    const std::string name = expandedValue(element, tools.linkLinkerScriptFile, configuration);
+    StringList candidates;
+    if (!name.empty() && name.front() == '/')
+        candidates.push_back(name);
+    else if (!name.empty()) {
+        candidates.push_back(absolutePathFrom(projectDirectory(element, configuration), name));
+        StringList directories;
+        linkerLibraryDirectories(element, configuration, directories);
+        for (const std::string &directory : directories)
+            candidates.push_back(absolutePathFrom(directory, name));
+    }
+    for (const std::string &candidate : candidates) {
+        if (FileInfo(candidate).isFile()) {
+            path = candidate;
+            return true;
+        }
+    }
+    if (getPropertyValue(element, tools.linkLinkerScriptFile, configuration) == tools.linkLinkerScriptFile->defaultValue())
+        return true;
+    if (builder) {
+        builder->beginStep(element, "Locating Linker Script File", configuration, 0);
+        builder->reportError("Linker script file '" + name + "' does not exist.");
+        builder->endStep(element, configuration);
+    }
+    return false;
+}
+
+bool GCCProjectSystem::linkerControlFiles(ProjectElement *element, const std::string &configuration,
+                                          Builder *builder, std::string &linkerScript, std::string &) {
+    // The machine's own linker knows where a program goes.
+    return isHostedToolchain() || hasLinkerScript(element, configuration, linkerScript, builder);
+}
+
 bool GCCProjectSystem::linkerScriptOfDriver(ProjectElement *element, const std::string &configuration,
                                             Builder *builder, std::string &script) {
     std::string memoryMap;

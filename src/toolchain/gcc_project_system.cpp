@@ -40,10 +40,10 @@ void GCCProjectSystem::addToolMacro(MacroMap &map, const std::string &name,
 
 void GCCProjectSystem::addDriverToolMacros(ProjectElement *element, const std::string &configuration,
                                            MacroMap &map) {
-    std::string directory = expandedValue(element, nodeProperties.buildToolchainDirectory, configuration);
+    std::string directory = expandedValue(element, nodeProperties.buildToolchainDirectory, configuration, map);
     if (!directory.empty())
         directory += '/';
-    const std::string prefix = directory + expandedValue(element, gccProperties.gccPrefix, configuration);
+    const std::string prefix = directory + expandedValue(element, gccProperties.gccPrefix, configuration, map);
     const bool clang = getPropertyValue(element, gccProperties.useClangNotGcc, configuration) == "Yes";
     addToolMacro(map, "GCC", prefix + (clang ? "$(CLANG_NAME:clang)" : "gcc"));
     addToolMacro(map, "GPLUSPLUS", prefix + (clang ? "$(CLANGPP_NAME:clang++)" : "g++"));

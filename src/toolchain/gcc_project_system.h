@@ -33,6 +33,8 @@ public:
     void addToolMacros(ProjectElement *element, const std::string &configuration,
                        MacroMap &map) override;
     bool mayBeToolMacro(std::string_view name) const override;
+    // Inserts name=value unless the map or the global macros name it.
+    void addToolMacro(MacroMap &map, const std::string &name, const std::string &value) const;
     // C and C++ files.
     bool canCheckSyntax(ProjectElement *element, const std::string &configuration) override;
     bool supportsModuleScan(ProjectElement *, const std::string &) override { return true; }
@@ -54,6 +56,9 @@ public:
                                   StringList &list) override;
     void linkerSymbolFiles(ProjectElement *element, const std::string &configuration,
                            StringList &list) override;
+    // A target's hand-written linker script; none for the hosted tools.
+    bool linkerControlFiles(ProjectElement *element, const std::string &configuration, Builder *builder,
+                            std::string &linkerScript, std::string &memoryMap) override;
     // The response file and the map file of a link or an archive, when they
     // are kept and exist.
     void appendIntermediateFiles(ProjectElement *element, const std::string &configuration, int step,
@@ -123,6 +128,13 @@ protected:
                      const std::string &outputFile, const StringList &inputs, Builder *builder);
     void postLinkCommands(ProjectElement *element, const std::string &configuration,
                           const std::string &outputRelative, const std::string &outputFile, Builder *builder);
+    // The hand-written linker script of a link: a project file of type
+    // "Linker Script", else link_linker_script_file when
+    // link_use_linker_script_file is "Yes", found as it is, under the project
+    // directory or under a library directory. False after a missing one has
+    // been reported.
+    bool hasLinkerScript(ProjectElement *element, const std::string &configuration, std::string &path,
+                         Builder *builder);
     // The linker script of a link on a target: a hand-written one or none;
     // false after an error has been reported.
     bool linkerScriptOfDriver(ProjectElement *element, const std::string &configuration, Builder *builder,
@@ -161,8 +173,6 @@ protected:
 
     // The GCC level of addToolMacros alone.
     void addDriverToolMacros(ProjectElement *element, const std::string &configuration, MacroMap &map);
-    // Inserts name=value unless the map or the global macros name it.
-    void addToolMacro(MacroMap &map, const std::string &name, const std::string &value) const;
 
 private:
     std::string executableExtension_;

@@ -2,6 +2,7 @@
 
 #include "toolchain/clang_compatibility.h"
 #include "toolchain/gcc_project_system.h"
+#include "toolchain/ostrand_property_table.h"
 #include "toolchain/platform_project_system.h"
 
 // The cross toolchain laid out in the installation. Its platform, the
@@ -41,12 +42,56 @@ public:
     bool hasOwnValue(ProjectElement *element, PropertyClass *property, const std::string &configuration,
                      std::optional<std::string> &value) override;
 
-    PropertyClass *useExternalGcc;
+    // With use_external_gcc "Yes" the steps of the GNU driver, with the
+    // platform's target options. The installation's own tools don't run
+    // yet: such a step reports that.
+    void buildStep(ProjectElement *element, const std::string &configuration, int step,
+                   const std::string &outputRelative, const std::string &outputFile, const StringList &inputs,
+                   Builder *builder, BuildFlags flags) override;
+    void preprocessFile(ProjectElement *element, const std::string &configuration, Builder *builder,
+                        bool dumpMacros, const StringList &extraOptions, std::string *resultFile) override;
+    // The installation's driver options (use_compiler_driver), or an
+    // external driver's target options; then the platform's.
+    bool appendDriverOptions(ProjectElement *element, const std::string &configuration, int step,
+                             const std::string &output, StringList &list) override;
+    // The base's extra inputs, filtered by the platform.
+    void linkerInputFiles(ProjectElement *element, const std::string &configuration, StringList &list) override;
+    std::string secondaryLinkOutput(ProjectElement *element, const std::string &configuration) override;
+    // <output directory>/<output's base name>.log, when arm_linker_variant is
+    // "Brenlow" and linker_log_file "Yes".
+    bool linkerLogFilePath(ProjectElement *element, const std::string &configuration, std::string &path) override;
+    bool linkerScriptInputsChanged(ProjectElement *element, const std::string &configuration, FileTime time) override;
+    // The platform's stack, heap and debug I/O symbols, then the printf and
+    // scanf implementations and __dso_handle that the installation's
+    // libraries take.
+    void linkerSymbolDefinitions(ProjectElement *element, const std::string &configuration,
+                                 StringList &list) override;
+    void migrateElement(ProjectElement *root) override;
+    void migrateValue(std::string &value) override;
 
-private:
+    // The rows that a node of each kind lists: the GNU rows that the
+    // installation's tools read, the Ost rows of the kind, and the
+    // platform's.
+    void appendCProperties(ProjectElement *element, const std::string &configuration,
+                           PropertyClassList &list) override;
+    void appendAssemblerProperties(ProjectElement *element, const std::string &configuration,
+                                   PropertyClassList &list) override;
+    void appendLinkerProperties(ProjectElement *element, const std::string &configuration,
+                                PropertyClassList &list) override;
+    void appendLibraryProperties(ProjectElement *element, const std::string &configuration,
+                                 PropertyClassList &list) override;
+    void appendProjectTypeProperties(ProjectElement *element, const std::string &configuration,
+                                     PropertyClassList &set, const std::string &type) override;
+    void appendDebugProperties(ProjectElement *element, const std::string &configuration,
+                               PropertyClassList &list) override;
+    // gcc_target, gcc_version and the platform's list.
+    void appendToolchainProperties(ProjectElement *element, const std::string &configuration,
+                                   PropertyClassList &list) override;
+
+    OstProperties ostProperties;
+
+protected:
+    // use_external_gcc is "Yes": the build issues the commands of an
+    // external GNU toolchain's driver.
     bool externalGcc(ProjectElement *element, const std::string &configuration);
-    // A value of the ARM table, read by name until that table exists here.
-    std::optional<std::string> namedValue(ProjectElement *element, const char *name,
-                                          const std::string &configuration);
-    std::vector<std::unique_ptr<PropertyClass>> ownProperties_;
 };

@@ -35,6 +35,13 @@ TEST(Toolchains, ToolMacros) {
          "/studio/llvm/bin/clang"},
         {true, "use_external_gcc=\"Yes\" gcc_prefix=\"arm-none-eabi-\" build_toolchain_directory=\"\"", {},
          "$(GCC) $(AR)", "arm-none-eabi-gcc arm-none-eabi-ar"},
+        // The tool directory names the target, which the core decides.
+        {true, "", {}, "$(CC1)|$(LD)", "/studio/gcc/arm-none-eabi/bin/cc1|/studio/gcc/arm-none-eabi/bin/ld"},
+        {true, "arm_instruction_set=\"ARM64\"", {}, "$(AS)", "/studio/gcc/aarch64-none-elf/bin/as"},
+        {true, "use_external_gcc=\"Yes\" build_toolchain_directory=\"/x/$(GCCTarget)\" gcc_target=\"armeb-none-eabi\"",
+         {}, "$(GCC)", "/x/armeb-none-eabi/gcc"},
+        {true, "arm_core_type=\"Cortex-M4\" arm_fp_abi=\"Hard\" arm_fpu_type=\"FPv4-SP-D16\"", {},
+         "$(CoreType) $(Arch) $(LibExt)", "cortex-m4 v7em _v7em_fpv4_sp_d16_hard_t_le_eabi"},
     };
     for (const auto &c : cases) {
         Host host(c.configuration);
@@ -64,7 +71,7 @@ std::string traits(const std::string &configuration = "") {
 TEST(Toolchains, WhatTheToolsCanDo) {
     EXPECT_EQ(traits<GCCHostProjectSystem>(), "LINUX 15 '' hosted module-scan ranlib module-mapper");
     // Without an external gcc every property counts as set, at its value.
-    EXPECT_EQ(traits<ARMProjectSystem>(), "ARM 8 '.elf' prefix=$(GCCPREFIX:)");
+    EXPECT_EQ(traits<ARMProjectSystem>(), "ARM 8 '.elf' module-scan prefix=$(GCCPREFIX:)");
     EXPECT_EQ(traits<ARMProjectSystem>("use_external_gcc=\"Yes\""), "ARM 8 '.axf' module-scan ranlib module-mapper");
 
     Host host;

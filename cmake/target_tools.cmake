@@ -1,0 +1,107 @@
+# The installation carries the ARM cross tools in the folders where its tool
+# macros look by default: the compiler proper and the binutils in
+# gcc/arm-none-eabi/bin, clang and its companions in llvm/bin. They are links
+# to the system's tools, made in the build tree and again on install. Their
+# targets are resolved to absolute paths here, at configure time, so that the
+# links work from wherever the tree is installed.
+#
+# Missing tools are left out, and a build that needs one reports it when the
+# program can't be started.
+
+set(QUILLMAKE_GCC_TARGET arm-none-eabi)
+set(QUILLMAKE_GCC_TOOLS_DIR gcc/${QUILLMAKE_GCC_TARGET}/bin)
+set(QUILLMAKE_LLVM_TOOLS_DIR llvm/bin)
+
+# Makes <dir>/<name> a link to <target>, in the build tree and on install.
+function(quillmake_target_tool_link dir name target)
+  set(link ${CMAKE_BINARY_DIR}/${dir}/${name})
+  add_custom_command(OUTPUT ${link}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/${dir}
+    COMMAND ${CMAKE_COMMAND} -E create_symlink ${target} ${link}
+    COMMENT "Linking ${dir}/${name} to ${target}")
+  set(QUILLMAKE_TARGET_TOOL_LINKS ${QUILLMAKE_TARGET_TOOL_LINKS} ${link} PARENT_SCOPE)
+  install(CODE "
+    set(link \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${QUILLMAKE_INSTALL_DIR}/${dir}/${name}\")
+    message(STATUS \"Installing: \${link} -> ${target}\")
+    file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${QUILLMAKE_INSTALL_DIR}/${dir}\")
+    file(REMOVE \"\${link}\")
+    file(CREATE_LINK \"${target}\" \"\${link}\" SYMBOLIC)")
+endfunction()
+
+block()
+  # The tools that ARM builds run; a missing one is named at configure time.
+  set(QUILLMAKE_GCC_COMPILERS cc1 cc1plus lto1)
+  set(QUILLMAKE_GCC_BINUTILS as ld ar objcopy objdump strip)
+  set(QUILLMAKE_LLVM_TOOLS clang ld.lld)
+  # Linked when present, never named as missing.
+  set(QUILLMAKE_GCC_EXTRA_TOOLS ranlib nm readelf size)
+  set(QUILLMAKE_LLVM_EXTRA_TOOLS clang-tidy)
+
+  set(QUILLMAKE_TARGET_TOOL_LINKS)
+  set(QUILLMAKE_MISSING_TARGET_TOOLS)
+
+  # The GNU driver knows where its own cc1, as and ld live; the prefixed
+  # programs on the PATH stand in for binutils it doesn't report.
+  find_program(QUILLMAKE_ARM_GCC ${QUILLMAKE_GCC_TARGET}-gcc)
+  foreach(tool ${QUILLMAKE_GCC_COMPILERS} ${QUILLMAKE_GCC_BINUTILS} ${QUILLMAKE_GCC_EXTRA_TOOLS})
+    set(path "")
+    if(QUILLMAKE_ARM_GCC)
+      execute_process(COMMAND ${QUILLMAKE_ARM_GCC} -print-prog-name=${tool}
+        OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET RESULT_VARIABLE status)
+      # A program the driver doesn't know comes back as its bare name.
+      if(NOT status EQUAL 0 OR NOT IS_ABSOLUTE "${path}" OR NOT EXISTS "${path}")
+        set(path "")
+      endif()
+    endif()
+    if(NOT path AND NOT tool IN_LIST QUILLMAKE_GCC_COMPILERS)
+      find_program(QUILLMAKE_ARM_${tool} ${QUILLMAKE_GCC_TARGET}-${tool})
+      set(path ${QUILLMAKE_ARM_${tool}})
+    endif()
+    if(path)
+      file(REAL_PATH "${path}" path)
+      quillmake_target_tool_link(${QUILLMAKE_GCC_TOOLS_DIR} ${tool} ${path})
+    elseif(NOT tool IN_LIST QUILLMAKE_GCC_EXTRA_TOOLS)
+      list(APPEND QUILLMAKE_MISSING_TARGET_TOOLS ${tool})
+    endif()
+  endforeach()
+
+  foreach(tool ${QUILLMAKE_LLVM_TOOLS} ${QUILLMAKE_LLVM_EXTRA_TOOLS})
+    find_program(QUILLMAKE_LLVM_${tool} NAMES ${tool} ${tool}-14)
+    if(QUILLMAKE_LLVM_${tool})
+      file(REAL_PATH "${QUILLMAKE_LLVM_${tool}}" path)
+      quillmake_target_tool_link(${QUILLMAKE_LLVM_TOOLS_DIR} ${tool} ${path})
+    elseif(NOT tool IN_LIST QUILLMAKE_LLVM_EXTRA_TOOLS)
+      list(APPEND QUILLMAKE_MISSING_TARGET_TOOLS ${tool})
+    endif()
+  endforeach()
+
+  # The LTO library lies in the lib/ beside clang's real bin/; without the
+  # development package only its versioned name exists. The link's name ends
+  # in the host's shared library extension.
+  set(QUILLMAKE_LIBLTO "")
+  if(QUILLMAKE_LLVM_clang)
+    file(REAL_PATH "${QUILLMAKE_LLVM_clang}" clang)
+    get_filename_component(llvm_bin "${clang}" DIRECTORY)
+    file(GLOB libltos "${llvm_bin}/../lib/libLTO.so.*")
+    foreach(candidate "${llvm_bin}/../lib/libLTO.so" ${libltos})
+      if(EXISTS "${candidate}")
+        file(REAL_PATH "${candidate}" QUILLMAKE_LIBLTO)
+        break()
+      endif()
+    endforeach()
+  endif()
+  if(QUILLMAKE_LIBLTO)
+    quillmake_target_tool_link(${QUILLMAKE_LLVM_TOOLS_DIR} libLTO.so ${QUILLMAKE_LIBLTO})
+  else()
+    list(APPEND QUILLMAKE_MISSING_TARGET_TOOLS libLTO.so)
+  endif()
+
+  if(QUILLMAKE_MISSING_TARGET_TOOLS)
+    list(JOIN QUILLMAKE_MISSING_TARGET_TOOLS " " missing)
+    message(STATUS "ARM tools not found: ${missing}; ARM builds will report the missing tool "
+      "(scripts/install-deps.sh installs them)")
+  endif()
+
+  add_custom_target(installed_target_tools ALL DEPENDS ${QUILLMAKE_TARGET_TOOL_LINKS})
+endblock()
+add_dependencies(quillmake installed_target_tools)

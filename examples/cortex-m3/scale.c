@@ -1,0 +1,2 @@
+/* A library function, archived into scale.a and linked into hello. */
+int scale(int x) { return 6 * x; }

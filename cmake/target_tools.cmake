@@ -65,6 +65,32 @@ block()
     endif()
   endforeach()
 
+  # The headers that the compiler proper reads with -nostdinc: the
+  # compiler's own (include, include-fixed) beside its tools, and the C
+  # library's as the installation's include/. The system macro StudioIncDir
+  # of bin/config.xml names the three in the compiler's order.
+  if(QUILLMAKE_ARM_GCC)
+    foreach(dir include include-fixed)
+      execute_process(COMMAND ${QUILLMAKE_ARM_GCC} -print-file-name=${dir}
+        OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+      if(IS_ABSOLUTE "${path}" AND IS_DIRECTORY "${path}")
+        file(REAL_PATH "${path}" path)
+        quillmake_target_tool_link(gcc/${QUILLMAKE_GCC_TARGET} ${dir} ${path})
+        if(dir STREQUAL "include")
+          set(libc_include "${path}/../../../../${QUILLMAKE_GCC_TARGET}/include")
+        endif()
+      else()
+        list(APPEND QUILLMAKE_MISSING_TARGET_TOOLS gcc/${dir})
+      endif()
+    endforeach()
+    if(libc_include AND IS_DIRECTORY "${libc_include}")
+      file(REAL_PATH "${libc_include}" libc_include)
+      quillmake_target_tool_link(. include ${libc_include})
+    else()
+      list(APPEND QUILLMAKE_MISSING_TARGET_TOOLS include)
+    endif()
+  endif()
+
   foreach(tool ${QUILLMAKE_LLVM_TOOLS} ${QUILLMAKE_LLVM_EXTRA_TOOLS})
     find_program(QUILLMAKE_LLVM_${tool} NAMES ${tool} ${tool}-14)
     if(QUILLMAKE_LLVM_${tool})
@@ -104,4 +130,4 @@ block()
 
   add_custom_target(installed_target_tools ALL DEPENDS ${QUILLMAKE_TARGET_TOOL_LINKS})
 endblock()
-add_dependencies(quillmake installed_target_tools)
+add_dependencies(quillmake installed_target_tools installed_tool_links)

@@ -1,12 +1,14 @@
 // Firmware for ARM cores: the bundled Cortex-M3 example built with Debian's
-// arm-none-eabi driver (use_external_gcc) and run on an emulated board, and
-// the installation's own tools, which say that they can't run yet.
+// arm-none-eabi driver (use_external_gcc) and run on an emulated board; a
+// library built in the direct form for several cores, with gcc and clang;
+// and what the installation can't run yet.
 
 #include "harness.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
 
 using e2e::expectResult;
 using e2e::runProgram;
@@ -86,7 +88,134 @@ TEST(ArmBuild, AnExternalGccBuildsFirmwareForTheCoreThatRunsOnTheBoard) {
         << shown.out;
 }
 
-TEST(ArmBuild, TheInstallationsOwnToolsSayTheyCannotRunYet) {
+// A library of a C, a C++ and an assembly file in the direct form, where
+// quillmake runs the installation's cc1, cc1plus, as and ar itself; the core
+// is the solution's, so that -property can change it.
+struct DirectLibrary {
+    Sandbox box;
+    DirectLibrary() {
+        box.write("lib.tbp", R"(<!DOCTYPE Tarnbench_Project_File>
+<solution Name="Direct" target="8" version="2">
+  <configuration Name="Debug" />
+  <configuration Name="Common" arm_core_type="Cortex-M3" />
+  <project Name="parts">
+    <configuration Name="Common" build_intermediate_directory="obj" build_output_directory="out" project_type="Library" />
+    <file file_name="count.c" />
+    <file file_name="shape.cpp" />
+    <file file_name="fast.s" />
+  </project>
+</solution>
+)");
+        box.write("count.c", "#include <stdint.h>\n#include <string.h>\n"
+                             "uint32_t count_bytes(const char *text) { return (uint32_t)strlen(text); }\n");
+        box.write("shape.cpp", "#include <stddef.h>\nstruct Shape { virtual int sides() const = 0; };\n"
+                               "struct Square : Shape { int sides() const override { return 4; } };\n"
+                               "extern \"C\" int square_sides() { Square s; const Shape &shape = s; return shape.sides(); }\n");
+        box.write("fast.s", "    .syntax unified\n    .thumb\n    .text\n    .global fast_double\n    .thumb_func\n"
+                            "fast_double:\n    lsls r0, r0, #1\n    bx lr\n");
+    }
+    e2e::RunResult build(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"-config", "Debug", "-threadnum", "1"});
+        arguments.push_back("lib.tbp");
+        return runQuillmake(box, arguments);
+    }
+    // The attributes of an object that tell its core, Thumb use and float
+    // ABI, one line each.
+    std::string attributes(const std::string &object) {
+        const auto read = runProgram({"/usr/bin/arm-none-eabi-readelf", "-A", "obj/" + object}, box.path(), {});
+        std::string lines;
+        std::istringstream in(read.out);
+        for (std::string line; std::getline(in, line);)
+            for (const char *tag : {"Tag_CPU_arch:", "Tag_THUMB_ISA_use:", "Tag_FP_arch:", "Tag_ABI_VFP_args:"})
+                if (line.find(tag) != std::string::npos)
+                    lines += line.substr(line.find(tag)) + "\n";
+        return lines;
+    }
+};
+
+TEST(ArmBuild, TheDirectFormCompilesAssemblesAndArchivesForEachCore) {
+    DirectLibrary library;
+    const std::string hard = "Tag_FP_arch: VFPv4-D16\nTag_ABI_VFP_args: VFP registers\n";
+    const std::string m4 = "Tag_CPU_arch: v7E-M\nTag_THUMB_ISA_use: Thumb-2\n";
+    const struct {
+        std::vector<std::string> properties;
+        std::string compiled, assembled;
+    } rows[] = {
+        {{"arm_core_type=Cortex-M0+"}, "Tag_CPU_arch: v6S-M\nTag_THUMB_ISA_use: Thumb-1\n",
+         "Tag_CPU_arch: v6-M\nTag_THUMB_ISA_use: Thumb-1\n"},
+        {{}, "Tag_CPU_arch: v7\nTag_THUMB_ISA_use: Thumb-2\n", "Tag_CPU_arch: v7\nTag_THUMB_ISA_use: Thumb-2\n"},
+        {{"arm_core_type=Cortex-M4", "arm_fp_abi=Hard", "arm_fpu_type=FPv4-SP-D16"}, m4 + hard,
+         m4 + "Tag_FP_arch: VFPv4-D16\n"},
+        {{"arm_core_type=Cortex-M33"}, "Tag_CPU_arch: v8-M.mainline\nTag_THUMB_ISA_use: Yes\n",
+         "Tag_CPU_arch: v8-M.mainline\nTag_THUMB_ISA_use: Yes\n"},
+        // clang's back end and assembler for the same target.
+        {{"arm_core_type=Cortex-M4", "arm_fp_abi=Hard", "arm_fpu_type=FPv4-SP-D16", "arm_compiler_variant=clang",
+          "arm_assembler_variant=clang"},
+         m4 + hard, m4 + "Tag_FP_arch: VFPv4-D16\n"},
+    };
+    for (const auto &row : rows) {
+        std::vector<std::string> arguments{"-rebuild"};
+        for (const std::string &property : row.properties)
+            arguments.insert(arguments.end(), {"-property", property});
+        expectResult(library.build(arguments), "", "", 0);
+        EXPECT_EQ(library.attributes("count.o"), row.compiled) << row.properties.size();
+        EXPECT_EQ(library.attributes("shape.o"), row.compiled) << row.properties.size();
+        EXPECT_EQ(library.attributes("fast.o"), row.assembled) << row.properties.size();
+        // Neither the assembly nor the preprocessed source stays behind.
+        EXPECT_FALSE(library.box.exists("obj/count.asm") || library.box.exists("obj/fast_PP.s"));
+        const auto symbols =
+            runProgram({"/usr/bin/arm-none-eabi-nm", "-g", "--defined-only", "out/parts.a"}, library.box.path(), {});
+        EXPECT_NE(symbols.out.find("\ncount.o:\n00000000 T count_bytes\n"), std::string::npos) << symbols.out;
+        EXPECT_NE(symbols.out.find("00000000 T square_sides\n"), std::string::npos) << symbols.out;
+        EXPECT_NE(symbols.out.find("\nfast.o:\n00000000 T fast_double\n"), std::string::npos) << symbols.out;
+    }
+}
+
+TEST(ArmBuild, TheDirectFormShowsItsCommandsAndPassesCompileErrorsOn) {
+    DirectLibrary library;
+    const std::string install = std::filesystem::path(e2e::quillmakePath()).parent_path().parent_path().string();
+    const std::string tools = install + "/gcc/arm-none-eabi/bin/";
+    const std::string preprocessor =
+        " -nostdinc -isystem" + install + "/gcc/arm-none-eabi/include -isystem" + install +
+        "/gcc/arm-none-eabi/include-fixed -isystem" + install +
+        "/include -D__ARM_ARCH_7M__ -D__VELDANE_ARM -D__HEAP_SIZE__=1024 -D__VELDANE_MAJOR_VERSION=5 "
+        "-D__VELDANE_MINOR_VERSION=4 -D__VELDANE_REVISION=1 -MD <box>/obj/";
+    const std::string target = " -mcpu=cortex-m3 -mlittle-endian -mfloat-abi=soft -mabi=aapcs -mthumb "
+                               "-munaligned-access -mtp=soft -mfp16-format=ieee";
+    const std::string assembler = tools + "as --traditional-format -march=armv7-m -mlittle-endian -mfloat-abi=soft -mthumb <box>/obj/";
+    const std::string commands =
+        tools + "cc1 -fmessage-length=0" + target + preprocessor + "count.d -MQ <box>/obj/count.o -quiet -g2 -gpubnames " +
+        "-ffunction-sections -fdata-sections <box>/count.c -o <box>/obj/count.asm\n" + assembler +
+        "count.asm -o <box>/obj/count.o -g\nrm <box>/obj/count.asm\n" + tools +
+        "cc1plus -fmessage-length=0 -fno-exceptions -fno-rtti" + target + preprocessor +
+        "shape.d -MQ <box>/obj/shape.o -quiet -g2 -gpubnames -ffunction-sections -fdata-sections <box>/shape.cpp " +
+        "-o <box>/obj/shape.asm\n" + assembler + "shape.asm -o <box>/obj/shape.o -g\nrm <box>/obj/shape.asm\n" +
+        tools + "cc1 -fmessage-length=0 -lang-asm -E -march=armv7-m -mlittle-endian -mfloat-abi=soft -mthumb " +
+        "-munaligned-access" + preprocessor + "fast.d -MQ <box>/obj/fast.o -quiet <box>/fast.s -o <box>/obj/fast_PP.s\n" +
+        assembler + "fast_PP.s -o <box>/obj/fast.o -g\nrm <box>/obj/fast_PP.s\nrm <box>/out/parts.a\n" + tools +
+        "ar -rcs out/parts.a <box>/obj/count.o <box>/obj/shape.o <box>/obj/fast.o\n";
+    expectResult(library.build({"-show"}), library.box.expand(commands), "", 0);
+    EXPECT_FALSE(library.box.exists("obj/count.o"));
+    expectResult(library.build({"-echo"}), library.box.expand(commands), "", 0);
+    expectResult(library.build({}), "", "", 0);
+
+    library.box.write("count.c", "int broken(void) { return missing; }\n");
+    // The compiler's own words reach the user; the command that failed is
+    // named.
+    const std::string compile = commands.substr(0, commands.find('\n'));
+    expectResult(library.build({"-rebuild"}), library.box.expand("Error executing " + compile + "\n"),
+                 library.box.expand("Compiling 'count.c'\n<box>/count.c: In function 'broken':\n<box>/count.c:1:27: "
+                                    "error: 'missing' undeclared (first use in this function)\n"
+                                    "    1 | int broken(void) { return missing; }\n"
+                                    "      |                           ^~~~~~~\n"
+                                    "<box>/count.c:1:27: note: each undeclared identifier is reported only once for "
+                                    "each function it appears in\nBuild failed, exit status 0x1\n"
+                                    "There were 1 build errors\n"),
+                 1);
+}
+
+// What the installation can't run yet says so, and runs nothing.
+TEST(ArmBuild, TheLinkAndTheInstallationsDriverSayTheyCannotRunYet) {
     Sandbox box;
     box.write("d.tbp", R"(<!DOCTYPE Tarnbench_Project_File>
 <solution Name="D" target="8" version="2">
@@ -99,19 +228,19 @@ TEST(ArmBuild, TheInstallationsOwnToolsSayTheyCannotRunYet) {
 )");
     box.write("main.c", "int main(void) { return 0; }\n");
     const std::string failed = "Build failed, exit status 0x1\nThere were 2 build errors\n";
-    expectResult(runQuillmake(box, {"-config", "Debug", "-threadnum", "1", "d.tbp"}), "Compiling 'main.c'\n",
-                 "error: compiling, assembling, linking and archiving with the installation's ARM tools are not "
-                 "available yet; set use_external_gcc to \"Yes\" to build with an external GNU toolchain\n" +
+    expectResult(runQuillmake(box, {"-config", "Debug", "-threadnum", "1", "d.tbp"}), "Linking 'app'\n",
+                 "error: linking with the installation's ARM tools is not available yet; set use_external_gcc to "
+                 "\"Yes\" to build with an external GNU toolchain\n" +
                      failed,
                  1);
-    expectResult(runQuillmake(box, {"-config", "Debug", "-threadnum", "1", "-property", "use_compiler_driver=Yes",
-                                    "d.tbp"}),
+    EXPECT_TRUE(box.exists("obj/main.o"));
+    expectResult(runQuillmake(box, {"-config", "Debug", "-threadnum", "1", "-rebuild", "-property",
+                                    "use_compiler_driver=Yes", "d.tbp"}),
                  "Compiling 'main.c'\n",
                  "error: building with the installation's compiler driver (use_compiler_driver) is not available "
                  "yet; set use_external_gcc to \"Yes\" to build with an external GNU toolchain\n" +
                      failed,
                  1);
-    EXPECT_FALSE(box.exists("obj/main.o"));
 }
 
 }  // namespace

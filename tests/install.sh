@@ -21,6 +21,10 @@ for f in gcc/arm-none-eabi/bin/{cc1,as,ld,ar,objcopy} llvm/bin/clang; do
   [[ -x "$tool" ]] || fail "lib/quillmake/$f is missing"
   "$tool" --version >/dev/null 2>&1 </dev/null || fail "lib/quillmake/$f --version exited with $?"
 done
+# The system headers of the compiler proper and of the C library.
+for f in gcc/arm-none-eabi/include/stddef.h gcc/arm-none-eabi/include-fixed/limits.h include/stdio.h; do
+  [[ -f "$work/prefix/lib/quillmake/$f" ]] || fail "lib/quillmake/$f is missing"
+done
 
 cp -R "$source/examples/hosted" "$work/example"
 rm -rf "$work/example/Output"

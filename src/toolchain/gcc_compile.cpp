@@ -73,25 +73,10 @@ void GCCProjectSystem::appendCodeGeneration(ProjectElement *element, const std::
         either(list, value(toolProperties.cppEnableExceptions), "-fexceptions", "-fno-exceptions");
         either(list, value(toolProperties.cppEnableRtti), "-frtti", "-fno-rtti");
     }
-    if (value(gcc.enableAllWarnings) == "Yes")
-        appendSplit(list, expandedValue(element, gcc.allWarningsOptions, configuration) + ";" +
-                              expandedValue(element, cpp ? gcc.cppOnlyAllWarningsOptions : gcc.cOnlyAllWarningsOptions,
-                                            configuration));
-    if (step == KindC || cpp) {
-        std::string standard = value(cpp ? gcc.cplusplusLanguageStandard : gcc.cLanguageStandard).value_or("None");
-        if (standard == "c++1z")
-            standard = "c++17";
-        else if (standard == "gnu++1z")
-            standard = "gnu++17";
-        if (standard != "None")
-            list.push_back("-std=" + standard);
-    }
-    if (value(toolProperties.cEnforceAnsiChecking) == "Yes")
-        appendSplit(list, expandedValue(element, gcc.enforceAnsiCheckingOptions, configuration) + ";" +
-                              expandedValue(element,
-                                            cpp ? gcc.cppOnlyEnforceAnsiCheckingOptions
-                                                : gcc.cOnlyEnforceAnsiCheckingOptions,
-                                            configuration));
+    appendAllWarnings(element, configuration, step, list);
+    if (step == KindC || cpp)
+        appendLanguageStandard(element, configuration, step, list);
+    appendAnsiChecking(element, configuration, step, list);
     if (cpp) {
         if (value(gcc.enableModules) == "Yes")
             list.push_back("-fmodules-ts");
@@ -127,11 +112,7 @@ void GCCProjectSystem::appendCodeGeneration(ProjectElement *element, const std::
     if (value(gcc.dataSections) == "Yes")
         list.push_back("-fdata-sections");
     either(list, value(gcc.strictAliasing), "-fstrict-aliasing", "-fno-strict-aliasing");
-    std::string tls = value(gcc.tlsModel).value_or("None");
-    if (tls != "None") {
-        std::transform(tls.begin(), tls.end(), tls.begin(), [](unsigned char c) { return char(std::tolower(c)); });
-        list.push_back("-ftls-model=" + tls);
-    }
+    appendTlsModel(element, configuration, list);
     either(list, value(gcc.fastMath), "-ffast-math", "-fno-fast-math");
     if (value(gcc.linkTimeOptimization) == "Yes")
         list.push_back("-flto");
@@ -141,6 +122,50 @@ void GCCProjectSystem::appendCodeGeneration(ProjectElement *element, const std::
         list.push_back("-w");
     if (value(nodeProperties.buildQuietly) != "Yes")
         list.push_back("-v");
+}
+
+void GCCProjectSystem::appendLanguageStandard(ProjectElement *element, const std::string &configuration, int step,
+                                              StringList &list) {
+    PropertyClass *property =
+        step == KindCpp ? gccProperties.cplusplusLanguageStandard : gccProperties.cLanguageStandard;
+    std::string standard = getPropertyValue(element, property, configuration).value_or("None");
+    if (standard == "c++1z")
+        standard = "c++17";
+    else if (standard == "gnu++1z")
+        standard = "gnu++17";
+    if (standard != "None")
+        list.push_back("-std=" + standard);
+}
+
+void GCCProjectSystem::appendAllWarnings(ProjectElement *element, const std::string &configuration, int step,
+                                         StringList &list) {
+    const GCCProperties &gcc = gccProperties;
+    appendOptionLists(element, configuration, gcc.enableAllWarnings, gcc.allWarningsOptions,
+                      step == KindCpp ? gcc.cppOnlyAllWarningsOptions : gcc.cOnlyAllWarningsOptions, list);
+}
+
+void GCCProjectSystem::appendAnsiChecking(ProjectElement *element, const std::string &configuration, int step,
+                                          StringList &list) {
+    const GCCProperties &gcc = gccProperties;
+    appendOptionLists(element, configuration, toolProperties.cEnforceAnsiChecking, gcc.enforceAnsiCheckingOptions,
+                      step == KindCpp ? gcc.cppOnlyEnforceAnsiCheckingOptions : gcc.cOnlyEnforceAnsiCheckingOptions,
+                      list);
+}
+
+void GCCProjectSystem::appendOptionLists(ProjectElement *element, const std::string &configuration,
+                                         PropertyClass *enable, PropertyClass *common, PropertyClass *language,
+                                         StringList &list) {
+    if (getPropertyValue(element, enable, configuration) == "Yes")
+        appendSplit(list, expandedValue(element, common, configuration) + ";" +
+                              expandedValue(element, language, configuration));
+}
+
+void GCCProjectSystem::appendTlsModel(ProjectElement *element, const std::string &configuration, StringList &list) {
+    std::string tls = getPropertyValue(element, gccProperties.tlsModel, configuration).value_or("None");
+    if (tls == "None")
+        return;
+    std::transform(tls.begin(), tls.end(), tls.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+    list.push_back("-ftls-model=" + tls);
 }
 
 bool GCCProjectSystem::appendAdditionalOptions(ProjectElement *element, const std::string &configuration,
@@ -210,8 +235,13 @@ void GCCProjectSystem::appendCharacterType(ProjectElement *element, const std::s
 
 void GCCProjectSystem::appendOptimization(ProjectElement *element, const std::string &configuration,
                                           StringList &list) {
+    appendOptimization(element, configuration,
+                       getPropertyValue(element, gccProperties.hasOzOptimizationLevel, configuration) == "Yes", list);
+}
+
+void GCCProjectSystem::appendOptimization(ProjectElement *element, const std::string &configuration, bool oz,
+                                          StringList &list) {
     const GCCProperties &gcc = gccProperties;
-    const bool oz = getPropertyValue(element, gcc.hasOzOptimizationLevel, configuration) == "Yes";
     const std::string level = getPropertyValue(element, gcc.optimizationLevel, configuration).value_or("None");
     const char *option = nullptr;
     if (level == "Debug")
@@ -324,9 +354,15 @@ void GCCProjectSystem::buildStep(ProjectElement *element, const std::string &con
     builder->beginStep(element, "Compiling '" + displayName(element) + "'", configuration, 0);
     builder->addCommand(directory, arguments, outputFile);
     if (value(toolProperties.asmGenerateListingFile) == "Yes")
-        builder->addCommand(directory,
-                            {expandProjectMacros(element, "$(OBJDUMP)", configuration), outputRelative, "-d", "-S",
-                             ">", intermediateFilePath(element, configuration, inputs.empty() ? outputFile : inputs.front(), ".lst")},
-                            std::string());
+        addListingCommand(element, configuration, outputRelative, inputs.empty() ? outputFile : inputs.front(),
+                          builder);
     builder->endStep(element, configuration);
+}
+
+void GCCProjectSystem::addListingCommand(ProjectElement *element, const std::string &configuration,
+                                         const std::string &object, const std::string &input, Builder *builder) {
+    builder->addCommand(projectDirectory(element, configuration),
+                        {expandProjectMacros(element, "$(OBJDUMP)", configuration), object, "-d", "-S", ">",
+                         intermediateFilePath(element, configuration, input, ".lst")},
+                        std::string());
 }

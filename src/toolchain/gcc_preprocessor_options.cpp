@@ -21,30 +21,18 @@ StringList GCCProjectSystem::expandedList(ProjectElement *element, PropertyClass
     return list;
 }
 
-void GCCProjectSystem::appendPreprocessorOptions(ProjectElement *element, const std::string &configuration,
-                                                 int step, const std::string &output, StringList &list) {
-    const ToolProperties &tools = toolProperties;
-    if (getPropertyValue(element, tools.cIgnoreIncludes, configuration) == "No") {
-        std::optional<std::string> own;
-        if (hasOwnValue(element, tools.cSystemIncludeDirectories, configuration, own))
-            for (const std::string &directory : expandedList(element, tools.cSystemIncludeDirectories, configuration)) {
-                list.push_back("-isystem");
-                list.push_back(directory);
-            }
-        for (std::string directory : expandedList(element, tools.cUserIncludeDirectories, configuration, step)) {
-            if (!directory.empty() && directory[0] == '/')
-                normalisePath(directory);
-            list.push_back("-I" + directory);
-        }
+void GCCProjectSystem::appendUserIncludeDirectories(ProjectElement *element, const std::string &configuration,
+                                                    int step, StringList &list) {
+    for (std::string directory : expandedList(element, toolProperties.cUserIncludeDirectories, configuration, step)) {
+        if (!directory.empty() && directory[0] == '/')
+            normalisePath(directory);
+        list.push_back("-I" + directory);
     }
-    const bool groups = !isHostedToolchain() &&
-                        getPropertyValue(element, tools.addPropertyGroupIncludesDefines, configuration) == "Yes";
-    if (groups)
-        groupIncludes(element, configuration, list);
-    if (getPropertyValue(element, tools.cUndefineAllPreprocessorDefinitions, configuration) == "Yes")
-        list.push_back("-undef");
-    if (groups)
-        groupDefines(element, configuration, list);
+}
+
+void GCCProjectSystem::appendDefinesAndForcedIncludes(ProjectElement *element, const std::string &configuration,
+                                                      int step, StringList &list) {
+    const ToolProperties &tools = toolProperties;
     for (const std::string &define : expandedList(element, tools.cPreprocessorDefinitions, configuration, step))
         list.push_back("-D" + define);
     for (const std::string &undefine : expandedList(element, tools.cPreprocessorUndefinitions, configuration, step))
@@ -57,6 +45,29 @@ void GCCProjectSystem::appendPreprocessorOptions(ProjectElement *element, const 
         list.push_back("-imacros");
         list.push_back(file);
     }
+}
+
+void GCCProjectSystem::appendPreprocessorOptions(ProjectElement *element, const std::string &configuration,
+                                                 int step, const std::string &output, StringList &list) {
+    const ToolProperties &tools = toolProperties;
+    if (getPropertyValue(element, tools.cIgnoreIncludes, configuration) == "No") {
+        std::optional<std::string> own;
+        if (hasOwnValue(element, tools.cSystemIncludeDirectories, configuration, own))
+            for (const std::string &directory : expandedList(element, tools.cSystemIncludeDirectories, configuration)) {
+                list.push_back("-isystem");
+                list.push_back(directory);
+            }
+        appendUserIncludeDirectories(element, configuration, step, list);
+    }
+    const bool groups = !isHostedToolchain() &&
+                        getPropertyValue(element, tools.addPropertyGroupIncludesDefines, configuration) == "Yes";
+    if (groups)
+        groupIncludes(element, configuration, list);
+    if (getPropertyValue(element, tools.cUndefineAllPreprocessorDefinitions, configuration) == "Yes")
+        list.push_back("-undef");
+    if (groups)
+        groupDefines(element, configuration, list);
+    appendDefinesAndForcedIncludes(element, configuration, step, list);
     const std::string dependencies =
         getPropertyValue(element, nodeProperties.buildGenerateDependencyFile, configuration).value_or("Yes");
     if (!output.empty() && dependencies != "No") {

@@ -153,6 +153,32 @@ protected:
                               StringList &list);
     void appendDebugInformation(ProjectElement *element, const std::string &configuration, StringList &list);
     void appendOptimization(ProjectElement *element, const std::string &configuration, StringList &list);
+    // oz: the compiler knows -Oz.
+    void appendOptimization(ProjectElement *element, const std::string &configuration, bool oz, StringList &list);
+    // -std= of the step's language, with the "1z" names written as 17;
+    // nothing for "None".
+    void appendLanguageStandard(ProjectElement *element, const std::string &configuration, int step,
+                                StringList &list);
+    // The options of gcc_enable_all_warnings and of c_enforce_ansi_checking
+    // when they are "Yes": the common list, then the step's language list.
+    void appendAllWarnings(ProjectElement *element, const std::string &configuration, int step, StringList &list);
+    void appendAnsiChecking(ProjectElement *element, const std::string &configuration, int step, StringList &list);
+    // The entries of common and language, when enable is "Yes".
+    void appendOptionLists(ProjectElement *element, const std::string &configuration, PropertyClass *enable,
+                           PropertyClass *common, PropertyClass *language, StringList &list);
+    // -ftls-model= in lower case, unless gcc_tls_model is "None".
+    void appendTlsModel(ProjectElement *element, const std::string &configuration, StringList &list);
+    // -I for each entry of c_user_include_directories and its variant of the
+    // step; absolute entries are normalised.
+    void appendUserIncludeDirectories(ProjectElement *element, const std::string &configuration, int step,
+                                      StringList &list);
+    // -D, -U, -include and -imacros of the defines, undefines, forced
+    // includes and macro files of the step.
+    void appendDefinesAndForcedIncludes(ProjectElement *element, const std::string &configuration, int step,
+                                        StringList &list);
+    // The listing of an object: $(OBJDUMP) object -d -S > <input's .lst>.
+    void addListingCommand(ProjectElement *element, const std::string &configuration, const std::string &object,
+                           const std::string &input, Builder *builder);
     // The additional options of the step's language and their files; false
     // after a missing file has been reported, which ends the step.
     bool appendAdditionalOptions(ProjectElement *element, const std::string &configuration, int step,

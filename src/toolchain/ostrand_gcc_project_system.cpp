@@ -77,6 +77,11 @@ bool OstrandGCCProjectSystem::externalGcc(ProjectElement *element, const std::st
     return getPropertyValue(element, ostProperties.useExternalGcc, configuration) == "Yes";
 }
 
+bool OstrandGCCProjectSystem::directForm(ProjectElement *element, const std::string &configuration) {
+    return !externalGcc(element, configuration) &&
+           getPropertyValue(element, ostProperties.useCompilerDriver, configuration) != "Yes";
+}
+
 std::string OstrandGCCProjectSystem::moduleInterfaceFilePath(ProjectElement *element,
                                                              const std::string &configuration) {
     std::string path = GCCProjectSystem::moduleInterfaceFilePath(element, configuration);
@@ -122,24 +127,29 @@ void OstrandGCCProjectSystem::buildStep(ProjectElement *element, const std::stri
                                     flags);
         return;
     }
-    unavailableStep(element, configuration, step, builder,
-                    getPropertyValue(element, ostProperties.useCompilerDriver, configuration) == "Yes"
-                        ? "error: building with the installation's compiler driver (use_compiler_driver) is not "
-                          "available yet; set use_external_gcc to \"Yes\" to build with an external GNU toolchain"
-                        : "error: compiling, assembling, linking and archiving with the installation's " +
-                              platformName() +
-                              " tools are not available yet; set use_external_gcc to \"Yes\" to build with an "
-                              "external GNU toolchain");
-}
-
-void OstrandGCCProjectSystem::preprocessFile(ProjectElement *element, const std::string &configuration,
-                                             Builder *builder, bool dumpMacros, const StringList &extraOptions,
-                                             std::string *resultFile) {
-    if (externalGcc(element, configuration))
-        GCCProjectSystem::preprocessFile(element, configuration, builder, dumpMacros, extraOptions, resultFile);
-    else
-        StandardProjectSystem::preprocessFile(element, configuration, builder, dumpMacros, extraOptions,
-                                              resultFile);
+    if (!directForm(element, configuration)) {
+        unavailableStep(element, configuration, step, builder,
+                        "error: building with the installation's compiler driver (use_compiler_driver) is not "
+                        "available yet; set use_external_gcc to \"Yes\" to build with an external GNU toolchain");
+        return;
+    }
+    switch (step) {
+    case KindC:
+    case KindCpp:
+        compileStep(element, configuration, step, outputRelative, outputFile, inputs, builder);
+        break;
+    case KindAssembly:
+        assembleStep(element, configuration, outputRelative, outputFile, inputs, builder);
+        break;
+    case KindArchive:
+        archiveStep(element, configuration, outputRelative, outputFile, inputs, builder);
+        break;
+    default:
+        unavailableStep(element, configuration, step, builder,
+                        "error: linking with the installation's " + platformName() +
+                            " tools is not available yet; set use_external_gcc to \"Yes\" to build with an "
+                            "external GNU toolchain");
+    }
 }
 
 bool OstrandGCCProjectSystem::appendDriverOptions(ProjectElement *element, const std::string &configuration,

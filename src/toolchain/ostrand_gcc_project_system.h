@@ -43,13 +43,26 @@ public:
                      std::optional<std::string> &value) override;
 
     // With use_external_gcc "Yes" the steps of the GNU driver, with the
-    // platform's target options. The installation's own tools don't run
-    // yet: such a step reports that.
+    // platform's target options. Otherwise the direct form: the build runs
+    // the compiler proper, the assembler and ar itself. What needs a tool
+    // of the installation that doesn't exist yet (its compiler driver, the
+    // linker step, the stack tally, the debug bridge, the Brenlow tools,
+    // modules) reports that.
     void buildStep(ProjectElement *element, const std::string &configuration, int step,
                    const std::string &outputRelative, const std::string &outputFile, const StringList &inputs,
                    Builder *builder, BuildFlags flags) override;
+    // The driver's preprocessing with use_external_gcc "Yes"; otherwise the
+    // compiler proper's (or clang's) with -E, into the "_PP." file.
     void preprocessFile(ProjectElement *element, const std::string &configuration, Builder *builder,
                         bool dumpMacros, const StringList &extraOptions, std::string *resultFile) override;
+    // In the direct form a precompiled header becomes <header>.gch (gcc) or
+    // <header>.pch (clang), and clang's objects are bitcode, $(OBJ) ".bc",
+    // with link-time optimization.
+    std::string outputFilePath(int step, ProjectElement *element, const std::string &configuration) override;
+    // In the direct form the kept assembly, listing and preprocessor output
+    // of a compile or an assembly, where they exist.
+    void appendIntermediateFiles(ProjectElement *element, const std::string &configuration, int step,
+                                 const std::string &output, StringList &list) override;
     // The installation's driver options (use_compiler_driver), or an
     // external driver's target options; then the platform's.
     bool appendDriverOptions(ProjectElement *element, const std::string &configuration, int step,
@@ -94,4 +107,55 @@ protected:
     // use_external_gcc is "Yes": the build issues the commands of an
     // external GNU toolchain's driver.
     bool externalGcc(ProjectElement *element, const std::string &configuration);
+    // Neither use_external_gcc nor use_compiler_driver is "Yes": the build
+    // runs the compiler proper and the assembler itself.
+    bool directForm(ProjectElement *element, const std::string &configuration);
+
+private:
+    // ---- The direct form.
+
+    // Steps 2 and 3: the compiler proper, for gcc then the assembler.
+    void compileStep(ProjectElement *element, const std::string &configuration, int step,
+                     const std::string &outputRelative, const std::string &outputFile, const StringList &inputs,
+                     Builder *builder);
+    // Step 4: the preprocessor when asked for, then gas or clang's
+    // assembler, and the section renaming.
+    void assembleStep(ProjectElement *element, const std::string &configuration, const std::string &outputRelative,
+                      const std::string &outputFile, const StringList &inputs, Builder *builder);
+    // gas on the assembly text that cc1 or cc1plus wrote.
+    void assembleCompilerOutput(ProjectElement *element, const std::string &configuration,
+                                const std::string &assembly, const std::string &output, const std::string &outputFile,
+                                Builder *builder);
+    // The error of a compile that needs a tool of the installation that
+    // isn't there yet; empty if the compile can run.
+    std::string unavailableCompile(ProjectElement *element, const std::string &configuration, int step);
+
+    // The program and its language options; step 4 is the assembly
+    // language of the preprocessor.
+    void appendLanguageOptions(ProjectElement *element, const std::string &configuration, int step, bool isGcc,
+                               StringList &list);
+    // Include directories, target and product defines, the node's defines
+    // and the dependency file of output (none when it is empty).
+    void appendDirectPreprocessorOptions(ProjectElement *element, const std::string &configuration, int step,
+                                         bool isGcc, const std::string &output, StringList &list);
+    void appendDirectCodeGeneration(ProjectElement *element, const std::string &configuration, bool isGcc,
+                                    StringList &list);
+    void appendClangDebugInformation(ProjectElement *element, const std::string &configuration, StringList &list);
+    // -finput-charset and -fexec-charset of the node's file_codec.
+    void appendCharacterSets(ProjectElement *element, const std::string &configuration, StringList &list);
+    // The generic options of the step for the tool, then the additional
+    // options; false after a missing options file has been reported.
+    bool appendDirectAdditionalOptions(ProjectElement *element, const std::string &configuration, int step,
+                                       const std::string &tool, Builder *builder, StringList &list);
+    // -g and the DWARF version of an assembler, gas's or clang's.
+    void appendAssemblerDebugInformation(ProjectElement *element, const std::string &configuration, bool gas,
+                                         StringList &list);
+    // "-Werror" and "-w" of the build's warning settings.
+    void appendWarningSwitches(ProjectElement *element, const std::string &configuration, StringList &list);
+    // "-v" unless build_quietly is "Yes"; then "-quiet" for gcc.
+    void appendQuietOption(ProjectElement *element, const std::string &configuration, bool isGcc,
+                           StringList &list);
+    // A path as the direct form's commands name it: absolute with
+    // arm_supply_absolute_file_path "Yes", else relative to the project.
+    std::string commandPath(ProjectElement *element, const std::string &configuration, const std::string &path);
 };

@@ -1,0 +1,41 @@
+// The files that the direct form's compiles make: the object, the
+// precompiled header, and the by-products that a clean removes.
+
+#include "toolchain/ostrand_gcc_project_system.h"
+
+#include "support/file_info.h"
+
+std::string OstrandGCCProjectSystem::outputFilePath(int step, ProjectElement *element,
+                                                    const std::string &configuration) {
+    if ((step != KindC && step != KindCpp) || externalGcc(element, configuration))
+        return GCCProjectSystem::outputFilePath(step, element, configuration);
+    const bool gcc = getPropertyValue(element, ostProperties.compilerVariant, configuration) == "gcc";
+    if (isFile(element) && precompiledHeaderOf(element, configuration) == element)
+        return sourcePath(element, configuration) + (gcc ? ".gch" : ".pch");
+    // clang's objects are bitcode for the link-time optimizer.
+    if (!gcc && getPropertyValue(element, gccProperties.linkTimeOptimization, configuration) == "Yes" &&
+        fileTypeName(element, configuration) != "Preprocess")
+        return absolutePathFrom(projectDirectory(element, configuration),
+                                expandedValue(element, nodeProperties.buildObjectFileName, configuration,
+                                              MacroMap{{"OBJ", ".bc"}}));
+    return GCCProjectSystem::outputFilePath(step, element, configuration);
+}
+
+void OstrandGCCProjectSystem::appendIntermediateFiles(ProjectElement *element, const std::string &configuration,
+                                                      int step, const std::string &output, StringList &list) {
+    if (!directForm(element, configuration) || (step != KindC && step != KindCpp && step != KindAssembly)) {
+        GCCProjectSystem::appendIntermediateFiles(element, configuration, step, output, list);
+        return;
+    }
+    auto yes = [&](PropertyClass *property) { return getPropertyValue(element, property, configuration) == "Yes"; };
+    const std::string source = sourcePath(element, configuration);
+    auto add = [&](bool made, const char *suffix) {
+        const std::string file = intermediateFilePath(element, configuration, source, suffix);
+        if (made && FileInfo(file).exists())
+            list.push_back(file);
+    };
+    add(step != KindAssembly && yes(ostProperties.keepAssembly), ".asm");
+    add(yes(toolProperties.asmGenerateListingFile), ".lst");
+    add(yes(ostProperties.keepPreprocessorOutput),
+        step == KindC ? "_PP.c" : step == KindCpp ? "_PP.cpp" : "_PP.s");
+}

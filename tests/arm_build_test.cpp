@@ -214,8 +214,9 @@ TEST(ArmBuild, TheDirectFormShowsItsCommandsAndPassesCompileErrorsOn) {
                  1);
 }
 
-// What the installation can't run yet says so, and runs nothing.
-TEST(ArmBuild, TheLinkAndTheInstallationsDriverSayTheyCannotRunYet) {
+// A link with nothing to place the program by, and the installation's
+// driver, which isn't there: each says so and runs nothing.
+TEST(ArmBuild, ALinkWithoutScriptMapOrSegmentsAndTheInstallationsDriverSayWhy) {
     Sandbox box;
     box.write("d.tbp", R"(<!DOCTYPE Tarnbench_Project_File>
 <solution Name="D" target="8" version="2">
@@ -228,12 +229,26 @@ TEST(ArmBuild, TheLinkAndTheInstallationsDriverSayTheyCannotRunYet) {
 )");
     box.write("main.c", "int main(void) { return 0; }\n");
     const std::string failed = "Build failed, exit status 0x1\nThere were 2 build errors\n";
-    expectResult(runQuillmake(box, {"-config", "Debug", "-threadnum", "1", "d.tbp"}), "Linking 'app'\n",
-                 "error: linking with the installation's ARM tools is not available yet; set use_external_gcc to "
-                 "\"Yes\" to build with an external GNU toolchain\n" +
-                     failed,
-                 1);
+    expectResult(runQuillmake(box, {"-config", "Debug", "-threadnum", "1", "d.tbp"}),
+                 "Checking Linker Control Files\n",
+                 "no linker script, memory map file or memory segments specified\n" + failed, 1);
     EXPECT_TRUE(box.exists("obj/main.o"));
+    // Files that are named and missing.
+    const std::tuple<std::vector<std::string>, const char *, const char *> missing[] = {
+        {{"linker_memory_map_file=missing.xml"}, "Locating Memory Map File\n",
+         "Memory map file 'missing.xml' does not exist.\n"},
+        {{"linker_section_placements_segments=FLASH RX 0x0 0x1000", "linker_section_placement_file=nope.xml"},
+         "Locating Section Placement File\n", "Section placement file 'nope.xml' does not exist.\n"},
+        {{"link_use_linker_script_file=Yes", "link_linker_script_file=nope.ld"}, "Locating Linker Script File\n",
+         "Linker script file 'nope.ld' does not exist.\n"},
+    };
+    for (const auto &[properties, out, err] : missing) {
+        std::vector<std::string> arguments{"-config", "Debug", "-threadnum", "1"};
+        for (const std::string &property : properties)
+            arguments.insert(arguments.end(), {"-property", property});
+        arguments.push_back("d.tbp");
+        expectResult(runQuillmake(box, arguments), out, err + failed, 1);
+    }
     expectResult(runQuillmake(box, {"-config", "Debug", "-threadnum", "1", "-rebuild", "-property",
                                     "use_compiler_driver=Yes", "d.tbp"}),
                  "Compiling 'main.c'\n",

@@ -9,6 +9,7 @@
 #include "support/file_utils.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <fstream>
 #include <set>
 
@@ -107,7 +108,21 @@ bool StandardProjectSystem::linkerControlFiles(ProjectElement *, const std::stri
 
 std::string StandardProjectSystem::memorySegmentsText(ProjectElement *element,
                                                       const std::string &configuration) {
-    return expandedValue(element, toolProperties.linkerSectionPlacementsSegments, configuration);
+    std::string text = expandedValue(element, toolProperties.linkerSectionPlacementsSegments, configuration);
+    if (!text.empty())
+        return text;
+    // A project with a memory map: its segments in the property's own form.
+    std::vector<MemoryRegion> regions;
+    memorySegments(element, configuration, false, regions);
+    const auto hex = [](std::uint64_t value) {
+        char digits[24];
+        std::snprintf(digits, sizeof digits, "0x%08llx", static_cast<unsigned long long>(value));
+        return std::string(digits);
+    };
+    for (const MemoryRegion &region : regions)
+        text += (text.empty() ? "" : ";") + region.name + (region.access == 1 ? " RX " : " RWX ") +
+                hex(region.start) + " " + hex(region.end - region.start + 1);
+    return text;
 }
 
 // ---- Kind 7: link.

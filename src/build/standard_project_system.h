@@ -6,6 +6,7 @@
 #include "support/file_status_cache.h"
 #include "support/file_time.h"
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <unordered_map>
@@ -119,6 +120,32 @@ public:
                                     std::string &memoryMap);
     // $(MemorySegments) of the pre-link and post-link commands.
     virtual std::string memorySegmentsText(ProjectElement *element, const std::string &configuration);
+
+    // A memory region of the target: first and last address (inclusive),
+    // access code (0 read and write, 1 read only, 2 write only, 3 none) and
+    // name.
+    struct MemoryRegion {
+        std::uint64_t start = 0;
+        std::uint64_t end = 0;
+        int access = 0;
+        std::string name;
+    };
+    // Adds the project's memory regions to regions, which stays sorted by
+    // start: the segments of its memory map, else those of
+    // linker_section_placements_segments; with merge, overlapping and
+    // touching regions of the same access become one. False if the project
+    // has neither.
+    virtual bool memorySegments(ProjectElement *element, const std::string &configuration, bool merge,
+                                std::vector<MemoryRegion> &regions);
+    // The project's memory map and section placement files: a project file
+    // of type "Memory Map" / "Section Placement", else linker_memory_map_file
+    // / linker_section_placement_file, as it is or under the project
+    // directory. False if there is none; a named file that is missing is
+    // reported through builder when there is one.
+    bool locateMemoryMapFile(ProjectElement *element, const std::string &configuration, std::string &path,
+                             Builder *builder);
+    bool locateSectionPlacementFile(ProjectElement *element, const std::string &configuration,
+                                    std::string &path, Builder *builder);
     // $(Defines), $(Includes), $(COptions) and the other option macros of an
     // external compile command of the kind.
     virtual void externalCompileMacros(ProjectElement *element, const std::string &configuration,

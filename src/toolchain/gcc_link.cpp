@@ -10,6 +10,8 @@
 #include "support/text_split.h"
 #include "toolchain/gcc_arguments.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <set>
 
 using gcc_arguments::either;
@@ -33,18 +35,17 @@ bool GCCProjectSystem::usesIndirectFile(ProjectElement *element, const std::stri
 }
 
 std::string GCCProjectSystem::indFileName(ProjectElement *element, const std::string &configuration,
-                                          const std::string &output) {
+                                          const std::string &output, const std::string &suffix) {
     const std::string named = expandedValue(element, gccProperties.indirectFileName, configuration);
     if (!named.empty())
         return absolutePathFrom(projectDirectory(element, configuration), named);
-    return intermediateFilePath(element, configuration, output, ".ind");
+    return intermediateFilePath(element, configuration, output, suffix);
 }
 
-namespace {
-
-// The inputs as the linker takes them, with each library that is named in
-// wholeArchive (by path or by file name) between the two switches.
-StringList linkEntries(const StringList &files, const StringList &wholeArchive, bool forDriver, bool quoted) {
+StringList GCCProjectSystem::linkEntries(ProjectElement *element, const std::string &configuration,
+                                         const StringList &files, bool forDriver, bool quoted) {
+    const StringList wholeArchive =
+        splitCommandLine(expandedValue(element, gccProperties.wholeArchive, configuration));
     const std::set<std::string> whole(wholeArchive.begin(), wholeArchive.end());
     StringList entries;
     entries.reserve(files.size());
@@ -61,13 +62,10 @@ StringList linkEntries(const StringList &files, const StringList &wholeArchive, 
     return entries;
 }
 
-}  // namespace
-
 void GCCProjectSystem::writeIndirect(ProjectElement *element, const std::string &configuration,
                                      const StringList &files, const std::string &name, bool forDriver,
                                      Builder *builder) {
-    const StringList whole = splitCommandLine(expandedValue(element, gccProperties.wholeArchive, configuration));
-    builder->writeLines(name, linkEntries(files, whole, forDriver, true));
+    builder->writeLines(name, linkEntries(element, configuration, files, forDriver, true));
 }
 
 void GCCProjectSystem::linkStep(ProjectElement *element, const std::string &configuration,
@@ -79,17 +77,18 @@ void GCCProjectSystem::linkStep(ProjectElement *element, const std::string &conf
     auto yes = [&](PropertyClass *property) { return value(property) == "Yes"; };
     const std::string directory = projectDirectory(element, configuration);
 
-    if (yes(gcc.printMemoryUsage)) {
-        if (builder) {
-            builder->beginStep(element, "Linking '" + FilePath(outputFile).fileName() + "'", configuration, 0);
-            builder->reportError("printing the memory usage of a link is not available yet");
-            builder->endStep(element, configuration);
+    std::string script, generated;
+    if (!isHostedToolchain()) {
+        if (!hasLinkerScript(element, configuration, script, builder))
+            return;
+        if (script.empty() && generatesLinkerScript(element, configuration)) {
+            // The driver form has no flags to pass on: the script is made
+            // again when it is stale.
+            script = generated = linkerScriptPath(element, configuration, builder, outputFile, 0);
+            if (script.empty())
+                return;
         }
-        return;
     }
-    std::string script;
-    if (!isHostedToolchain() && !linkerScriptOfDriver(element, configuration, builder, script))
-        return;
 
     StringList list;
     const bool cpp = isCppProject(element, configuration);
@@ -156,9 +155,7 @@ void GCCProjectSystem::linkStep(ProjectElement *element, const std::string &conf
         indirect = indFileName(element, configuration, outputFile);
         list.push_back(concat("@", relativeOrAbsolute(directory, indirect)));
     } else {
-        const StringList whole =
-            splitCommandLine(expandedValue(element, gcc.wholeArchive, configuration));
-        for (std::string &entry : linkEntries(inputs, whole, true, false))
+        for (std::string &entry : linkEntries(element, configuration, inputs, true, false))
             list.push_back(std::move(entry));
     }
     if (group)
@@ -180,86 +177,17 @@ void GCCProjectSystem::linkStep(ProjectElement *element, const std::string &conf
     if (!indirect.empty())
         writeIndirect(element, configuration, inputs, indirect, true, builder);
     builder->addCommand(directory, list, outputFile);
-    if (!indirect.empty() && value(gcc.keepIndirectFiles) == "No")
-        builder->deleteFile(indirect, true);
-    postLinkCommands(element, configuration, outputRelative, outputFile, builder);
+    LinkOutputs made;
+    made.output = outputRelative;
+    made.outputFile = outputFile;
+    made.indirect = indirect;
+    made.script = generated;
+    postLinkCommands(element, configuration, made, builder);
     builder->endStep(element, configuration);
 }
 
-bool GCCProjectSystem::hasLinkerScript(ProjectElement *element, const std::string &configuration,
-                                       std::string &path, Builder *builder) {
-    // A linker script among the project's files wins.
-    std::vector<ProjectElement *> pending{projectOf(element)};
-    while (!pending.empty()) {
-        ProjectElement *node = pending.back();
-        pending.pop_back();
-        if (!node)
-            continue;
-        if (isFile(node) && fileTypeName(node, configuration) == "Linker Script" &&
-            getPropertyValue(node, nodeProperties.buildExcludeFromBuild, configuration) != "Yes") {
-            path = sourcePath(node, configuration);
-            return true;
-        }
-        for (XMLNode *child = node->firstChild; child; child = child->nextSibling)
-            if (ProjectElement *below = ProjectElement::from(child); below && (isFile(below) || isFolder(below)))
-                pending.push_back(below);
-    }
-    const ToolProperties &tools = toolProperties;
-    if (!usesBrenlowLinker(element, configuration) &&
-        getPropertyValue(element, tools.linkUseLinkerScriptFile, configuration) != "Yes")
-        return true;
-    const std::string name = expandedValue(element, tools.linkLinkerScriptFile, configuration);
-    StringList candidates;
-    if (!name.empty() && name.front() == '/')
-        candidates.push_back(name);
-    else if (!name.empty()) {
-        candidates.push_back(absolutePathFrom(projectDirectory(element, configuration), name));
-        StringList directories;
-        linkerLibraryDirectories(element, configuration, directories);
-        for (const std::string &directory : directories)
-            candidates.push_back(absolutePathFrom(directory, name));
-    }
-    for (const std::string &candidate : candidates) {
-        if (FileInfo(candidate).isFile()) {
-            path = candidate;
-            return true;
-        }
-    }
-    if (getPropertyValue(element, tools.linkLinkerScriptFile, configuration) == tools.linkLinkerScriptFile->defaultValue())
-        return true;
-    if (builder) {
-        builder->beginStep(element, "Locating Linker Script File", configuration, 0);
-        builder->reportError("Linker script file '" + name + "' does not exist.");
-        builder->endStep(element, configuration);
-    }
-    return false;
-}
-
-bool GCCProjectSystem::linkerControlFiles(ProjectElement *element, const std::string &configuration,
-                                          Builder *builder, std::string &linkerScript, std::string &) {
-    // The machine's own linker knows where a program goes.
-    return isHostedToolchain() || hasLinkerScript(element, configuration, linkerScript, builder);
-}
-
-bool GCCProjectSystem::linkerScriptOfDriver(ProjectElement *element, const std::string &configuration,
-                                            Builder *builder, std::string &script) {
-    std::string memoryMap;
-    if (!linkerControlFiles(element, configuration, builder, script, memoryMap))
-        return false;
-    if (script.empty() && getPropertyValue(element, gccProperties.generateLinkerScript, configuration) == "Yes") {
-        if (builder) {
-            builder->beginStep(element, "Generating linker script", configuration, 0);
-            builder->reportError("generating a linker script is not available yet");
-            builder->endStep(element, configuration);
-        }
-        return false;
-    }
-    return true;
-}
-
 void GCCProjectSystem::postLinkCommands(ProjectElement *element, const std::string &configuration,
-                                        const std::string &outputRelative, const std::string &outputFile,
-                                        Builder *builder) {
+                                        const LinkOutputs &made, Builder *builder) {
     const GCCProperties &gcc = gccProperties;
     const ToolProperties &tools = toolProperties;
     auto yes = [&](PropertyClass *property) {
@@ -267,46 +195,79 @@ void GCCProjectSystem::postLinkCommands(ProjectElement *element, const std::stri
     };
     auto tool = [&](const char *macro) { return expandProjectMacros(element, macro, configuration); };
     const std::string directory = projectDirectory(element, configuration);
+    const std::string &output = made.output;
 
-    if (yes(gcc.generateBreakpadSymbols)) {
+    if (!made.indirect.empty() && getPropertyValue(element, gcc.keepIndirectFiles, configuration) == "No")
+        builder->deleteFile(made.indirect, true);
+    if (!made.script.empty() && getPropertyValue(element, gcc.keepLinkerScriptFile, configuration) == "No")
+        builder->deleteFile(made.script, true);
+    if (!made.gapFill.empty())
+        builder->addCommand(directory, {tool("$(OBJCOPY)"), output, output, "--gap-fill", made.gapFill},
+                            made.outputFile);
+    if (!made.direct && yes(gcc.generateBreakpadSymbols)) {
         const std::string symbols = expandedValue(element, gcc.breakpadSymbolsDirectory, configuration);
         if (!symbols.empty())
             builder->addCommand(directory,
-                                {installDirectory + "/bin/symplan", "-extract-symbols-to-dir", outputRelative, symbols},
+                                {installDirectory + "/bin/symplan", "-extract-symbols-to-dir", output, symbols},
                                 std::string());
     }
     const std::string patch = expandWith(
         element, getPropertyValue(element, tools.linkerPatchBuildCommand, configuration).value_or(""),
-        configuration, {{"TargetPath", outputFile}, {"RelTargetPath", outputRelative}});
+        configuration, {{"TargetPath", made.outputFile}, {"RelTargetPath", output}});
     const StringList patchCommand = splitCommandLine(patch);
     if (!patchCommand.empty()) {
         const std::string wd = expandedValue(element, tools.linkerPatchBuildCommandWd, configuration);
-        builder->addCommand(wd.empty() ? directory : absolutePathFrom(directory, wd), patchCommand, outputFile);
+        builder->addCommand(wd.empty() ? directory : absolutePathFrom(directory, wd), patchCommand,
+                            made.outputFile);
     }
     if (yes(gcc.stripSymbols))
-        builder->addCommand(directory, {tool("$(STRIP)"), outputRelative}, outputFile);
+        builder->addCommand(directory, {tool("$(STRIP)"), output}, made.outputFile);
     if (yes(gcc.linkerStripDebugInformation))
-        builder->addCommand(directory, {tool("$(STRIP)"), "-S", outputRelative, "-o", outputRelative}, outputFile);
+        builder->addCommand(directory, {tool("$(STRIP)"), "-S", output, "-o", output}, made.outputFile);
+    // A program of the machine itself has no memory segments to report on.
+    if (yes(gcc.printMemoryUsage) && !isHostedToolchain())
+        builder->addCommand(directory, memoryUsageCommand(element, configuration, output), std::string());
     const std::string format = getPropertyValue(element, tools.linkerOutputFormat, configuration).value_or("None");
     if (format != "None" && !format.empty()) {
         auto converted = [&](const std::string &path) {
-            const FilePath output(path);
-            return output.path() + "/" + output.baseName(true) + "." + format;
+            const FilePath program(path);
+            return program.path() + "/" + program.baseName(true) + "." + format;
         };
-        builder->addCommand(directory,
-                            {tool("$(OBJCOPY)"), outputRelative, converted(outputRelative),
-                             format == "bin" ? "-Obinary" : format == "hex" ? "-Oihex" : "-O" + format},
-                            converted(outputFile));
+        StringList list{tool("$(OBJCOPY)"), output, converted(output),
+                        format == "bin" ? "-Obinary" : format == "hex" ? "-Oihex" : "-O" + format};
+        if (!made.outputFileGapFill.empty())
+            list.insert(list.end(), {"--gap-fill", made.outputFileGapFill});
+        builder->addCommand(directory, list, converted(made.outputFile));
     }
+}
+
+StringList GCCProjectSystem::memoryUsageCommand(ProjectElement *element, const std::string &configuration,
+                                                const std::string &output) {
+    std::vector<MemoryRegion> segments;
+    memorySegments(element, configuration, false, segments);
+    std::stable_sort(segments.begin(), segments.end(), [](const MemoryRegion &a, const MemoryRegion &b) {
+        return a.start != b.start ? a.start < b.start : a.end < b.end;
+    });
+    std::string text;
+    for (const MemoryRegion &segment : segments) {
+        char numbers[48];
+        std::snprintf(numbers, sizeof numbers, ",0x%llx,0x%llx", static_cast<unsigned long long>(segment.start),
+                      static_cast<unsigned long long>(segment.end + 1 - segment.start));
+        text += (text.empty() ? "" : ",") + segment.name + numbers;
+    }
+    return {expandProjectMacros(element, installDirectory + "/bin/imagedump$(HostEXE)", configuration), output,
+            "-memory-usage", text};
 }
 
 void GCCProjectSystem::appendIntermediateFiles(ProjectElement *element, const std::string &configuration,
                                                int step, const std::string &output, StringList &list) {
     if (step != KindLink && step != KindArchive)
         return;
-    if (getPropertyValue(element, gccProperties.keepIndirectFiles, configuration) != "Yes")
-        return;
-    const std::string indirect = indFileName(element, configuration, output);
-    if (FileInfo(indirect).exists())
-        list.push_back(indirect);
+    auto add = [&](PropertyClass *kept, const std::string &file) {
+        if (getPropertyValue(element, kept, configuration) == "Yes" && FileInfo(file).exists())
+            list.push_back(file);
+    };
+    add(gccProperties.keepIndirectFiles, indFileName(element, configuration, output));
+    if (step == KindLink)
+        add(gccProperties.keepLinkerScriptFile, intermediateFilePath(element, configuration, output, ".ld"));
 }

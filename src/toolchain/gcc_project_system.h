@@ -56,18 +56,19 @@ public:
                                   StringList &list) override;
     void linkerSymbolFiles(ProjectElement *element, const std::string &configuration,
                            StringList &list) override;
-    // A target's hand-written linker script; none for the hosted tools.
+    // A target's hand-written linker script, else the memory map of the
+    // script that the link generates; none for the hosted tools.
     bool linkerControlFiles(ProjectElement *element, const std::string &configuration, Builder *builder,
                             std::string &linkerScript, std::string &memoryMap) override;
-    // The response file and the map file of a link or an archive, when they
-    // are kept and exist.
+    // The response file of a link or an archive and a generated linker
+    // script, when they are kept and exist.
     void appendIntermediateFiles(ProjectElement *element, const std::string &configuration, int step,
                                  const std::string &output, StringList &list) override;
 
     // The response file of a link or an archive: linker_indirect_file_name,
-    // else <intermediate directory>/<output's complete base name>.ind.
+    // else <intermediate directory>/<output's complete base name><suffix>.
     std::string indFileName(ProjectElement *element, const std::string &configuration,
-                            const std::string &output);
+                            const std::string &output, const std::string &suffix = ".ind");
     // Writes the response file: one quoted path a line, with the libraries
     // named in arm_linker_whole_archive between the whole-archive switches.
     void writeIndirect(ProjectElement *element, const std::string &configuration, const StringList &files,
@@ -126,8 +127,28 @@ protected:
                   const std::string &outputFile, const StringList &inputs, Builder *builder);
     void archiveStep(ProjectElement *element, const std::string &configuration, const std::string &outputRelative,
                      const std::string &outputFile, const StringList &inputs, Builder *builder);
-    void postLinkCommands(ProjectElement *element, const std::string &configuration,
-                          const std::string &outputRelative, const std::string &outputFile, Builder *builder);
+    // What the commands after a link work on.
+    struct LinkOutputs {
+        std::string output;             // the program, as the link's command names it
+        std::string outputFile;         // the program's absolute path
+        std::string indirect;           // the response file, empty for none
+        std::string script;             // a generated linker script, empty for none
+        bool direct = false;            // the build runs the linker itself
+        std::string gapFill;            // direct form: the fill byte between sections, "0x.."
+        std::string outputFileGapFill;  // direct form: the same for the converted file
+    };
+    // Removes what isn't kept, then fills gaps, extracts symbols, patches,
+    // strips, reports the memory usage and converts the program, each when
+    // asked for.
+    void postLinkCommands(ProjectElement *element, const std::string &configuration, const LinkOutputs &made,
+                          Builder *builder);
+    // imagedump's report of how full each memory segment is.
+    StringList memoryUsageCommand(ProjectElement *element, const std::string &configuration,
+                                  const std::string &output);
+    // The inputs as the linker takes them, with each library named in
+    // arm_linker_whole_archive (by path or file name) between the switches.
+    StringList linkEntries(ProjectElement *element, const std::string &configuration, const StringList &files,
+                           bool forDriver, bool quoted);
     // The hand-written linker script of a link: a project file of type
     // "Linker Script", else link_linker_script_file when
     // link_use_linker_script_file is "Yes", found as it is, under the project
@@ -135,10 +156,24 @@ protected:
     // been reported.
     bool hasLinkerScript(ProjectElement *element, const std::string &configuration, std::string &path,
                          Builder *builder);
-    // The linker script of a link on a target: a hand-written one or none;
-    // false after an error has been reported.
-    bool linkerScriptOfDriver(ProjectElement *element, const std::string &configuration, Builder *builder,
-                              std::string &script);
+    // True if a link without a hand-written script has one generated:
+    // arm_generate_linker_script on a target.
+    virtual bool generatesLinkerScript(ProjectElement *element, const std::string &configuration);
+    // The memory map and section placement file that a generated script is
+    // made from, absolute, empty for none; false after a named one that is
+    // missing has been reported.
+    bool linkerScriptSources(ProjectElement *element, const std::string &configuration, Builder *builder,
+                             std::string &memoryMap, std::string &placement);
+    // The generated linker script of a link: ldplan makes
+    // <intermediate directory>/<output's base name>.ld from the memory map
+    // or the segments, and the placement file, when the script is stale or
+    // flags hold BuildAlways. Empty after an error has been reported.
+    std::string linkerScriptPath(ProjectElement *element, const std::string &configuration, Builder *builder,
+                                 const std::string &output, BuildFlags flags);
+    // True if the script is missing, older than a file it is made from, or
+    // older than a change of a property that ldplan reads.
+    bool linkerScriptIsStale(ProjectElement *element, const std::string &configuration, const std::string &script,
+                             const StringList &sources);
     // True if the inputs go through a response file: linker_use_indirect_files
     // "Yes", or "Auto" with more than limit inputs.
     bool usesIndirectFile(ProjectElement *element, const std::string &configuration, std::size_t count,

@@ -145,10 +145,7 @@ void OstrandGCCProjectSystem::buildStep(ProjectElement *element, const std::stri
         archiveStep(element, configuration, outputRelative, outputFile, inputs, builder);
         break;
     default:
-        unavailableStep(element, configuration, step, builder,
-                        "error: linking with the installation's " + platformName() +
-                            " tools is not available yet; set use_external_gcc to \"Yes\" to build with an "
-                            "external GNU toolchain");
+        linkStepDirect(element, configuration, outputRelative, outputFile, inputs, builder, flags);
     }
 }
 
@@ -229,10 +226,6 @@ bool OstrandGCCProjectSystem::linkerLogFilePath(ProjectElement *element, const s
     return true;
 }
 
-bool OstrandGCCProjectSystem::linkerScriptInputsChanged(ProjectElement *element, const std::string &configuration,
-                                                        FileTime time) {
-    return platform()->debugIoOrStackChanged(element, configuration, time);
-}
 
 void OstrandGCCProjectSystem::linkerSymbolDefinitions(ProjectElement *element, const std::string &configuration,
                                                       StringList &list) {

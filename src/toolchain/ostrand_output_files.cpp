@@ -23,11 +23,23 @@ std::string OstrandGCCProjectSystem::outputFilePath(int step, ProjectElement *el
 
 void OstrandGCCProjectSystem::appendIntermediateFiles(ProjectElement *element, const std::string &configuration,
                                                       int step, const std::string &output, StringList &list) {
-    if (!directForm(element, configuration) || (step != KindC && step != KindCpp && step != KindAssembly)) {
+    if (!directForm(element, configuration) ||
+        (step != KindC && step != KindCpp && step != KindAssembly && step != KindLink)) {
         GCCProjectSystem::appendIntermediateFiles(element, configuration, step, output, list);
         return;
     }
     auto yes = [&](PropertyClass *property) { return getPropertyValue(element, property, configuration) == "Yes"; };
+    if (step == KindLink) {
+        auto add = [&](bool made, const std::string &file) {
+            if (made && FileInfo(file).exists())
+                list.push_back(file);
+        };
+        add(yes(gccProperties.keepIndirectFiles), indFileName(element, configuration, output, "_files.ind"));
+        add(yes(gccProperties.keepLinkerScriptFile), intermediateFilePath(element, configuration, output, ".ld"));
+        std::string log;
+        add(linkerLogFilePath(element, configuration, log), log);
+        return;
+    }
     const std::string source = sourcePath(element, configuration);
     auto add = [&](bool made, const char *suffix) {
         const std::string file = intermediateFilePath(element, configuration, source, suffix);

@@ -81,9 +81,10 @@ SECTIONS
 
   .heap (NOLOAD) :
   {
+    __ldplan_start_heap = .;
     *(.heap .heap.*)
-    ASSERT(. <= __HEAPSIZE__, "section .heap is larger than its size __HEAPSIZE__");
-    . = MAX(., __HEAPSIZE__);
+    ASSERT(. - __ldplan_start_heap <= __HEAPSIZE__, "section .heap is larger than its size __HEAPSIZE__");
+    . += . - __ldplan_start_heap < __HEAPSIZE__ ? __HEAPSIZE__ - (. - __ldplan_start_heap) : 0;
     ASSERT(. <= ORIGIN(ROM_part1) + LENGTH(ROM_part1), "section .heap does not fit in segment ROM_part1");
   } > ROM_part1
 }'

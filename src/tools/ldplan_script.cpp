@@ -3,6 +3,7 @@
 #include "ldplan_plan.h"
 
 #include <algorithm>
+#include <cctype>
 #include <sstream>
 
 namespace {
@@ -38,15 +39,29 @@ void writeSection(std::ostringstream &out, const PlacedSection &section, const S
     out << "\n  {\n";
     for (const std::string &symbol : section.addressSymbols)
         out << "    " << symbol << " = .;\n";
+    // A sized section measures itself from a symbol at its start: inside a
+    // section one linker reads "." as an offset, another as an address.
+    std::string start;
+    if (!section.size.empty()) {
+        if (!section.addressSymbols.empty()) {
+            start = section.addressSymbols.front();
+        } else {
+            start = "__ldplan_start";
+            for (const char c : section.name)
+                start += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+            out << "    " << start << " = .;\n";
+        }
+    }
     for (const std::string &input : section.inputs) {
         const bool wrap = section.keep && input.rfind("KEEP(", 0) != 0;
         out << "    " << (wrap ? "KEEP(" + input + ")" : input) << '\n';
     }
     if (!section.size.empty()) {
         if (settings.checkSectionOverflow)
-            out << "    ASSERT(. <= " << section.size << ", \"section " << section.name
+            out << "    ASSERT(. - " << start << " <= " << section.size << ", \"section " << section.name
                 << " is larger than its size " << section.size << "\");\n";
-        out << "    . = MAX(., " << section.size << ");\n";
+        out << "    . += . - " << start << " < " << section.size << " ? " << section.size << " - (. - " << start
+            << ") : 0;\n";
     }
     for (const std::string &symbol : section.endSymbols)
         out << "    " << symbol << " = .;\n";

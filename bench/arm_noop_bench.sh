@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# Times a build with nothing to do of one ARM solution of N small C files in
+# P library projects, beside the same solution built with -host: after a
+# full build with each toolchain, the best (worst) of R no-op runs, in
+# milliseconds. The no-op build reads the solution, expands each file's
+# properties, stats its inputs and outputs and reads its dependency file,
+# for both toolchains alike; the ARM toolchain has more properties and
+# macros per file.
+#
+#   bench/arm_noop_bench.sh [quillmake binary] [files] [projects] [runs]
+set -euo pipefail
+
+quillmake=$(realpath "${1:-build-release/bin/quillmake}")
+files=${2:-2000}
+projects=${3:-20}
+runs=${4:-5}
+root=$(realpath "$(mktemp -d "${TMPDIR:-/tmp}/quillmake-arm-noop-XXXXXX")")
+trap 'rm -rf "$root"' EXIT
+cd "$root"
+
+perProject=$((files / projects))
+mkdir -p inc
+printf '#pragma once\n#include <stdint.h>\n#define BASE 7\n' > inc/common.h
+{
+    echo '<!DOCTYPE Tarnbench_Project_File>'
+    echo '<solution Name="Noop" target="8" version="2">'
+    echo '  <configuration Name="Debug" />'
+    echo '  <configuration Name="Common" arm_core_type="Cortex-M4" arm_fp_abi="Hard" arm_fpu_type="FPv4-SP-D16"' \
+         'build_output_directory="out/$(Configuration)" c_user_include_directories="inc"' \
+         'build_intermediate_directory="obj/$(Configuration)/$(ProjectName)" linker_use_indirect_files="No" />'
+    for ((p = 0; p < projects; ++p)); do
+        mkdir -p "p$p"
+        echo "  <project Name=\"p$p\">"
+        echo '    <configuration Name="Common" project_type="Library" />'
+        for ((f = 0; f < perProject; ++f)); do
+            printf '#include "common.h"\nint32_t p%d_f%d(int32_t x) { return x * %d + BASE; }\n' "$p" "$f" "$f" > "p$p/f$f.c"
+            echo "    <file file_name=\"p$p/f$f.c\" />"
+        done
+        echo '  </project>'
+    done
+    echo '</solution>'
+} > noop.tbp
+# The same solution for the machine's own tools, which take no target.
+sed 's/ target="8"//' noop.tbp > host.tbp
+
+# Milliseconds of one run of "$@", its output dropped.
+timed() {
+    local start end
+    start=$(date +%s%N)
+    "$@" > /dev/null 2>&1 || { echo "failed: $*" >&2; exit 1; }
+    end=$(date +%s%N)
+    echo $(((end - start) / 1000000))
+}
+
+# "best (worst)" of the no-op runs of a solution file, after its full build,
+# with the options that follow it.
+noop() {
+    local solution=$1 best= worst= r ms
+    shift
+    "$quillmake" "$@" -config Debug -threadnum 2 "$solution" > /dev/null 2>&1 || { echo "build failed: $*" >&2; exit 1; }
+    [[ -z $("$quillmake" "$@" -config Debug -threadnum 2 -show "$solution") ]] ||
+        { echo "work left after a build: $*" >&2; exit 1; }
+    for ((r = 0; r < runs; ++r)); do
+        ms=$(timed "$quillmake" "$@" -config Debug -threadnum 2 "$solution")
+        if [[ -z $best || $ms -lt $best ]]; then best=$ms; fi
+        if [[ -z $worst || $ms -gt $worst ]]; then worst=$ms; fi
+    done
+    echo "$best ($worst)"
+}
+
+echo "$files files in $projects libraries; no-op best (worst) of $runs runs, milliseconds; load $(cut -d' ' -f1-3 /proc/loadavg)"
+printf '%-22s %s\n' "ARM, direct form" "$(noop noop.tbp)"
+printf '%-22s %s\n' "-host" "$(noop host.tbp -host)"

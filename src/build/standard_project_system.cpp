@@ -15,7 +15,7 @@ StandardProjectSystem::StandardProjectSystem(SystemMacros *macroTable)
 
 namespace {
 
-const char *const standardToolMacros[] = {"CLANGTIDY", "CC", "CCPP"};
+constexpr std::string_view standardToolMacros[] = {"CLANGTIDY", "CC", "CCPP"};
 
 }  // namespace
 
@@ -24,7 +24,7 @@ void StandardProjectSystem::addToolMacros(ProjectElement *, const std::string &,
     const std::string defaults[] = {install + "/llvm/bin/clang-tidy$(HostEXE)",
                                     install + "/bin/cc$(HostEXE)", install + "/bin/cc++$(HostEXE)"};
     for (std::size_t i = 0; i < std::size(standardToolMacros); ++i) {
-        const std::string name = standardToolMacros[i];
+        const std::string name(standardToolMacros[i]);
         if (map.count(name) || (macros && macros->globalMacros().count(name)))
             continue;
         map[name] = defaults[i];
@@ -32,7 +32,7 @@ void StandardProjectSystem::addToolMacros(ProjectElement *, const std::string &,
 }
 
 bool StandardProjectSystem::mayBeToolMacro(std::string_view name) const {
-    for (const char *tool : standardToolMacros)
+    for (std::string_view tool : standardToolMacros)
         if (name == tool)
             return true;
     return false;

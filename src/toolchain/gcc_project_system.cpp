@@ -4,7 +4,7 @@
 
 namespace {
 
-const char *const driverToolMacros[] = {"GCC", "GPLUSPLUS", "AR", "OBJCOPY", "OBJDUMP", "RANLIB", "STRIP"};
+constexpr std::string_view driverToolMacros[] = {"GCC", "GPLUSPLUS", "AR", "OBJCOPY", "OBJDUMP", "RANLIB", "STRIP"};
 
 }  // namespace
 
@@ -61,7 +61,7 @@ void GCCProjectSystem::addToolMacros(ProjectElement *element, const std::string 
 }
 
 bool GCCProjectSystem::mayBeToolMacro(std::string_view name) const {
-    for (const char *tool : driverToolMacros)
+    for (std::string_view tool : driverToolMacros)
         if (name == tool)
             return true;
     return StandardProjectSystem::mayBeToolMacro(name);

@@ -10,12 +10,12 @@
 
 namespace {
 
-const char *const installedToolMacros[] = {"AR",   "AS",      "CC1",     "CC1PLUS", "CLANG",
+constexpr std::string_view installedToolMacros[] = {"AR",   "AS",      "CC1",     "CC1PLUS", "CLANG",
                                            "LIBLTO", "LD",    "LTO1",    "OBJCOPY", "OBJDUMP",
                                            "STRIP", "GCC",    "GPLUSPLUS"};
 
 // What the platform's addTargetMacros may add.
-const char *const targetMacros[] = {"GCCTarget", "GCCVersion", "GCCPrefix", "LibExt", "LibArch", "LibEndianExt",
+constexpr std::string_view targetMacros[] = {"GCCTarget", "GCCVersion", "GCCPrefix", "LibExt", "LibArch", "LibEndianExt",
                                     "CoreType",  "Arch",       "Arch2",     "FPU",    "FPU2",    "FPU3",
                                     "Endian",    "FPABI",      "DeviceName"};
 
@@ -64,10 +64,10 @@ void OstrandGCCProjectSystem::addToolMacros(ProjectElement *element, const std::
 }
 
 bool OstrandGCCProjectSystem::mayBeToolMacro(std::string_view name) const {
-    for (const char *tool : installedToolMacros)
+    for (std::string_view tool : installedToolMacros)
         if (name == tool)
             return true;
-    for (const char *macro : targetMacros)
+    for (std::string_view macro : targetMacros)
         if (name == macro)
             return true;
     return GCCProjectSystem::mayBeToolMacro(name);

@@ -220,6 +220,15 @@ block()
         quillmake_target_tool_link(lib libcxxabi${name}.a ${cxx})
         quillmake_target_tool_link(lib libcxxabi_noexcept${name}.a ${cxx_noexcept})
       endif()
+      # The C++ library's configuration headers of the multilib, named by
+      # the variant for the system macro StudioCppIncDir.
+      set(cxx_config ${QUILLMAKE_ARM_CXX_INCLUDE}/${QUILLMAKE_GCC_TARGET})
+      if(NOT multilib STREQUAL ".")
+        set(cxx_config ${cxx_config}/${multilib})
+      endif()
+      if(QUILLMAKE_ARM_CXX_INCLUDE AND EXISTS ${cxx_config}/bits/c++config.h)
+        quillmake_target_tool_link(gcc/${QUILLMAKE_GCC_TARGET}/c++-config ${name} ${cxx_config})
+      endif()
     endforeach()
   endforeach()
 

@@ -86,6 +86,14 @@ block()
     if(libc_include AND IS_DIRECTORY "${libc_include}")
       file(REAL_PATH "${libc_include}" libc_include)
       quillmake_target_tool_link(. include ${libc_include})
+      # The C++ library's headers; their configuration headers differ by
+      # multilib and are linked per library variant with the runtime.
+      execute_process(COMMAND ${QUILLMAKE_ARM_GCC} -dumpversion
+        OUTPUT_VARIABLE version OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+      if(IS_DIRECTORY "${libc_include}/c++/${version}")
+        set(QUILLMAKE_ARM_CXX_INCLUDE "${libc_include}/c++/${version}" PARENT_SCOPE)
+        quillmake_target_tool_link(gcc/${QUILLMAKE_GCC_TARGET} c++ ${libc_include}/c++/${version})
+      endif()
     else()
       list(APPEND QUILLMAKE_MISSING_TARGET_TOOLS include)
     endif()

@@ -175,11 +175,17 @@ TEST(ArmBuild, TheDirectFormShowsItsCommandsAndPassesCompileErrorsOn) {
     DirectLibrary library;
     const std::string install = std::filesystem::path(e2e::quillmakePath()).parent_path().parent_path().string();
     const std::string tools = install + "/gcc/arm-none-eabi/bin/";
-    const std::string preprocessor =
-        " -nostdinc -isystem" + install + "/gcc/arm-none-eabi/include -isystem" + install +
+    // The C++ library's headers come first in a C++ compile, the variant's
+    // configuration among them.
+    const std::string cppHeaders = " -isystem" + install + "/gcc/arm-none-eabi/c++ -isystem" + install +
+                                   "/gcc/arm-none-eabi/c++-config/_v7m_t_le_eabi -isystem" + install +
+                                   "/gcc/arm-none-eabi/c++/backward";
+    const std::string headers =
+        " -isystem" + install + "/gcc/arm-none-eabi/include -isystem" + install +
         "/gcc/arm-none-eabi/include-fixed -isystem" + install +
         "/include -D__ARM_ARCH_7M__ -D__VELDANE_ARM -D__HEAP_SIZE__=1024 -D__VELDANE_MAJOR_VERSION=5 "
         "-D__VELDANE_MINOR_VERSION=4 -D__VELDANE_REVISION=1 -MD <box>/obj/";
+    const std::string preprocessor = " -nostdinc" + headers;
     const std::string target = " -mcpu=cortex-m3 -mlittle-endian -mfloat-abi=soft -mabi=aapcs -mthumb "
                                "-munaligned-access -mtp=soft -mfp16-format=ieee";
     const std::string assembler = tools + "as --traditional-format -march=armv7-m -mlittle-endian -mfloat-abi=soft -mthumb <box>/obj/";
@@ -187,7 +193,7 @@ TEST(ArmBuild, TheDirectFormShowsItsCommandsAndPassesCompileErrorsOn) {
         tools + "cc1 -fmessage-length=0" + target + preprocessor + "count.d -MQ <box>/obj/count.o -quiet -g2 -gpubnames " +
         "-ffunction-sections -fdata-sections <box>/count.c -o <box>/obj/count.asm\n" + assembler +
         "count.asm -o <box>/obj/count.o -g\nrm <box>/obj/count.asm\n" + tools +
-        "cc1plus -fmessage-length=0 -fno-exceptions -fno-rtti" + target + preprocessor +
+        "cc1plus -fmessage-length=0 -fno-exceptions -fno-rtti" + target + " -nostdinc" + cppHeaders + headers +
         "shape.d -MQ <box>/obj/shape.o -quiet -g2 -gpubnames -ffunction-sections -fdata-sections <box>/shape.cpp " +
         "-o <box>/obj/shape.asm\n" + assembler + "shape.asm -o <box>/obj/shape.o -g\nrm <box>/obj/shape.asm\n" +
         tools + "cc1 -fmessage-length=0 -lang-asm -E -march=armv7-m -mlittle-endian -mfloat-abi=soft -mthumb " +

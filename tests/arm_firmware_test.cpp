@@ -214,11 +214,13 @@ TEST(ArmFirmware, HardFloatCppAndTheLlvmLinkerBuildImagesThatRun) {
          "#include <stdio.h>\nint main(void) {\n    volatile float x = 1.5f;\n    const float y = x * x + 0.25f;\n"
          "    printf(\"%d %.3f\\n\", (int)(y * 100), y);\n    return 0;\n}\n",
          "/lib/libc_v7em_fpv4_sp_d16_hard_t_le_eabi.a ", "mps2-an386", "250 2.500\n", 0},
-        // Static constructors run before main.
+        // Static constructors run before main; the C++ library's headers
+        // and the library itself are the variant's.
         {"arm_core_type=\"Cortex-M3\"", "main.cpp",
-         "#include <stdio.h>\nstruct Greeter {\n    int sides;\n"
-         "    Greeter() : sides(4) { printf(\"constructed\\n\"); }\n};\nstatic Greeter greeter;\n"
-         "int main() {\n    printf(\"main sees %d\\n\", greeter.sides);\n    return greeter.sides;\n}\n",
+         "#include <cstdio>\n#include <vector>\nstruct Greeter {\n    int sides;\n"
+         "    Greeter() : sides(4) { std::printf(\"constructed\\n\"); }\n};\nstatic Greeter greeter;\n"
+         "int main() {\n    std::vector<int> v(greeter.sides, 1);\n"
+         "    std::printf(\"main sees %d\\n\", static_cast<int>(v.size()));\n    return v.back() + 3;\n}\n",
          "/gcc/arm-none-eabi/bin/cc1plus ", "mps2-an385", "constructed\nmain sees 4\n", 4},
         {"arm_core_type=\"Cortex-M3\" arm_linker_variant=\"LLVM\"", "main.c", fibonacci,
          "/llvm/bin/ld.lld -EL --gc-sections -T", "mps2-an385", "fibonacci(20) = 6765\n", 3},

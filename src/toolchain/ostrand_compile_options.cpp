@@ -113,6 +113,16 @@ void OstrandGCCProjectSystem::appendDirectPreprocessorOptions(ProjectElement *el
         list.insert(list.end(), {"-nostdsysteminc", "-nobuiltininc"});
     const bool groups = value(tools.addPropertyGroupIncludesDefines) == "Yes";
     if (value(tools.cIgnoreIncludes) == "No") {
+        // The installation's C++ library headers come before its C headers
+        // (they include_next the C ones), and only in a C++ compile that
+        // keeps the installation's system directories.
+        std::optional<std::string> own;
+        if (step == KindCpp && !isPropertySet(element, tools.cSystemIncludeDirectories, configuration, own)) {
+            StringList cpp;
+            gcc_arguments::appendSplit(cpp, expandProjectMacros(element, "$(StudioCppIncDir)", configuration));
+            for (const std::string &directory : cpp)
+                list.push_back("-isystem" + directory);
+        }
         for (const std::string &directory : expandedList(element, tools.cSystemIncludeDirectories, configuration))
             list.push_back("-isystem" + directory);
         appendUserIncludeDirectories(element, configuration, step, list);

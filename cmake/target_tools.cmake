@@ -109,6 +109,19 @@ block()
     endif()
   endforeach()
 
+  # The module scan needs a clang-scan-deps that writes P1689 (clang 16 and
+  # later); Debian 12 has it as clang-tools-19. It finds its own headers
+  # from its real path.
+  find_program(QUILLMAKE_CLANG_SCAN_DEPS NAMES clang-scan-deps-19 clang-scan-deps-18 clang-scan-deps-17
+    clang-scan-deps-16)
+  if(QUILLMAKE_CLANG_SCAN_DEPS)
+    file(REAL_PATH "${QUILLMAKE_CLANG_SCAN_DEPS}" path)
+    quillmake_target_tool_link(${QUILLMAKE_LLVM_TOOLS_DIR} clang-scan-deps ${path})
+  else()
+    message(STATUS "clang-scan-deps 16 or later not found: C++ module builds will report that the scanner "
+      "can't run (scripts/install-deps.sh installs it)")
+  endif()
+
   # The LTO library lies in the lib/ beside clang's real bin/; without the
   # development package only its versioned name exists. The link's name ends
   # in the host's shared library extension.

@@ -27,6 +27,9 @@ declare -A target_sources=(
                   src/support/expression_value.cpp
                   src/support/lexer.cpp
                   src/support/simple_expression_parser.cpp"
+    [json]="src/support/exceptions.cpp
+            src/support/json_parser.cpp
+            src/support/json_value.cpp"
     [xmlpp]="src/environment/date_time_macros.cpp
              src/environment/system_macros.cpp
              src/environment/user_directories.cpp

@@ -10,6 +10,12 @@ packages=(g++ cmake ninja-build libgtest-dev zlib1g-dev libbz2-dev)
 # programs in the tests.
 packages+=(gcc-arm-none-eabi binutils-arm-none-eabi libnewlib-arm-none-eabi
   libstdc++-arm-none-eabi-newlib qemu-system-arm clang lld)
+# Code analysis runs clang-tidy; the C++ modules scan needs a clang-scan-deps
+# that writes P1689, which Debian 12 has in clang-tools-19, with the headers
+# of clang 19.
+packages+=(clang-tidy clang-tools-19 clang-19 libclang-common-19-dev)
+# The user guide's test joins compilation databases as the guide shows.
+packages+=(jq)
 case "${1:-}" in
   --fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;
   --coverage) packages+=(gcovr) ;;

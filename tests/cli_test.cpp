@@ -76,7 +76,6 @@ std::string error(const std::string &text) { return quillmakePath() + ": error: 
 // (<box> stands for the sandbox's path).
 const std::string notLoading = "load error: <box>/a.tbp  does not exist\n";
 const std::string noFile = ".tbp file or -template or -type must be specified.";
-const std::string notCreating = "error: creating projects from a template or type is not available yet\n";
 
 // level1 .. level<count> (with the given prefix), each including the next;
 // the last one holds `last`.
@@ -144,8 +143,10 @@ TEST(CommandLine, EachLineShowsExactlyThis) {
         {{"-config", "Debug", "-type", "x"}, "", error("-project must be specified with -type."), 1},
         {{"-batch", "-template", "t", "-type", "x"}, "", error("-project must be specified with -template."), 1},
         {{"-batch", "a.tbp"}, "", notLoading, 1},
-        {{"-config", "Debug", "-template", "t", "-project", "p"}, "", notCreating, 1},
-        {{"-batch", "-type", "Executable", "-project", "p", "-file", "main.c"}, "", notCreating, 1},
+        {{"-config", "Debug", "-template", "t", "-project", "p"},
+         "can't find template 't' installed templates:\nCOMBINING\nCORTEX_M_EXECUTABLE\nCORTEX_M_LIBRARY\nSTAGING\n", "", 1},
+        // No batch configurations: nothing to build.
+        {{"-batch", "-type", "Executable", "-project", "p", "-file", "main.c"}, "", "", 0},
 
         {{"@args"}, "", notLoading, 1},
         // A hundred levels of files open; the hundred and first doesn't, and

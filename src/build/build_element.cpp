@@ -273,14 +273,3 @@ void NodeBuild::cleanOutputs(int kind, const std::string &target) {
     }
     clean(files);
 }
-
-// No analysis tool is built into this class: it reports that as an error.
-void StandardProjectSystem::analyzeFile(ProjectElement *element, const std::string &configuration,
-                                        Builder *builder) {
-    if (!builder)
-        return;
-    builder->beginStep(element, "Analyzing '" + displayName(element) + "'", configuration, 0);
-    builder->reportError("error: analysing with the " + platformName() +
-                         " toolchain is not available yet");
-    builder->endStep(element, configuration);
-}

@@ -36,6 +36,11 @@ public:
     int build(ProjectElement *element, const std::string &configuration, int threadCount,
               const std::vector<Builder *> &builders, Idler *idler, BuildFlags flags,
               bool followDependencies, bool batch);
+    // Writes the whole build of the element as a script through builder:
+    // the job list of a build, each job carried out as it is made, with
+    // every step taken whatever the state of the files.
+    void exportBuild(ProjectElement *element, const std::string &configuration, Builder *builder,
+                     Idler *idler, bool noUnity, bool followDependencies, bool batch);
     void prepareBuild(ProjectElement *element, const std::string &configuration, int threadCount,
                       const std::vector<Builder *> &builders, Idler *idler, BuildFlags flags,
                       bool followDependencies, bool batch, ProjectJobList &list);

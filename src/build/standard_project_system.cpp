@@ -262,8 +262,6 @@ void StandardProjectSystem::preprocessFile(ProjectElement *element, const std::s
 
 void StandardProjectSystem::preprocessorArguments(ProjectElement *, const std::string &, StringList &) {}
 
-void StandardProjectSystem::codeModelArguments(ProjectElement *, const std::string &, StringList &) {}
-
 void StandardProjectSystem::checkSyntax(ProjectElement *element, const std::string &configuration,
                                         Builder *builder) {
     if (!builder)

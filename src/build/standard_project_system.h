@@ -39,6 +39,10 @@ public:
     explicit StandardProjectSystem(SystemMacros *macroTable);
 
     ToolProperties toolProperties;
+    // True while the commands of a build are written into a shell script:
+    // the toolchains then quote the include and define entries so that
+    // they pass through the shell as they are.
+    bool exportQuoting = false;
 
     // ---- Toolchain operations. The toolchains replace them; the forms here
     // are those that every toolchain starts from.
@@ -150,7 +154,11 @@ public:
     // external compile command of the kind.
     virtual void externalCompileMacros(ProjectElement *element, const std::string &configuration,
                                        int kind, MacroMap &map);
-    // Runs the analysis step of a C or C++ file.
+    // True for C and C++ files, and for headers with analyze_headers "Yes".
+    virtual bool canAnalyze(ProjectElement *element, const std::string &configuration);
+    // One analysis step of the file: clang-tidy with the project's checks
+    // and the code model arguments, or the user's analyze_command with
+    // $(DEFINES) and $(INCLUDES).
     virtual void analyzeFile(ProjectElement *element, const std::string &configuration,
                              Builder *builder);
     // True for a node whose syntax the toolchain can check on its own.
@@ -182,6 +190,11 @@ public:
     // Writes compilation_database_file of the project: "[", the entries, "]".
     // A file that can't be written is left as it is.
     void writeCompilationDatabase(ProjectElement *project, const std::string &configuration);
+    // Writes the database that the module scanner reads to path: for each
+    // file of the project with a job of its own, its code model arguments
+    // behind "clang" and its object as the output. False if the file can't
+    // be written.
+    bool writeScanDatabase(const std::string &path, ProjectElement *project, const std::string &configuration);
     // Preprocesses one file, into a file whose path resultFile gets when it
     // isn't null, else to the command's output.
     virtual void preprocessFile(ProjectElement *element, const std::string &configuration,
@@ -190,7 +203,8 @@ public:
     // The include, define and dependency options of the file.
     virtual void preprocessorArguments(ProjectElement *element, const std::string &configuration,
                                        StringList &list);
-    // The options that an external code model needs for the file.
+    // The options that an external code model needs for the file: its
+    // language, its preprocessor arguments, code_completion_options.
     virtual void codeModelArguments(ProjectElement *element, const std::string &configuration,
                                     StringList &list);
     // One syntax check step of the file.
@@ -289,6 +303,10 @@ public:
     // The title of a job; empty with BuildNoTitle.
     std::string stepTitle(ProjectElement *element, const std::string &configuration, BuildFlags flags);
 
+    // The type name of a file; a header being described to a code model
+    // reads as a source file of the project's language.
+    std::string fileTypeName(ProjectElement *element, const std::string &configuration) override;
+
     // Expansion of a node's value with extra macros that win over the node's.
     std::string expandWith(ProjectElement *element, const std::string &text,
                            const std::string &configuration, const MacroMap &extra);
@@ -305,6 +323,9 @@ private:
     int findBuildKind(ProjectElement *element, const std::string &configuration, bool analyse);
 
     FileStatusCache fileStatus_;
+    // The node whose type name reads as typeNameOverride_ for a while.
+    ProjectElement *typeNameElement_ = nullptr;
+    std::string typeNameOverride_;
     // What a build asks about a node more than once, in one configuration.
     struct NodeAnswers {
         int kind[2] = {-1, -1};  // buildKind without and with BuildAnalyse

@@ -1,10 +1,12 @@
 #include "frontend/quillmake_arg_parse.h"
 
 #include "environment/config_file.h"
+#include "environment/environment_settings.h"
 #include "environment/install_location.h"
 #include "environment/user_directories.h"
 #include "environment/version.h"
 #include "frontend/program_log.h"
+#include "project/xml/qxml_document.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -178,12 +180,12 @@ void QuillmakeArgParse::prepareEnvironment() {
     config.load(installDirectory());
     setRootUserDirectory(!text(rootUserDirectory).empty() ? *rootUserDirectory
                                                           : config.setting("root-user-dir", ""));
-    // The environment settings are made here once they exist; they apply the
-    // environment-setting elements of the configuration file, and the
-    // packages default is then their "Environment/Package/Destination
-    // Directory".
+    auto settings = std::make_unique<ARMTarnbenchEnvironmentSettings>(::rootUserDirectory(), studioUserDirectory());
+    settings->applyConfiguration(config.document().root);
+    // The packages default stays unexpanded: the macros it names don't exist yet.
+    packagesDirectory = settings->packageDestinationDirectory->string();
+    installEnvironmentSettings(std::move(settings));
     studioDirectory = installDirectory();
-    packagesDirectory = defaultPackagesDirectory;
 }
 
 bool QuillmakeArgParse::applyRules() {

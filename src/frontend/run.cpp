@@ -1,12 +1,15 @@
 #include "frontend/run.h"
 
+#include "environment/environment_settings.h"
 #include "environment/install_location.h"
 #include "environment/system_macros.h"
 #include "frontend/console_build.h"
+#include "frontend/console_export.h"
 #include "frontend/console_progress.h"
 #include "frontend/program_log.h"
 #include "frontend/quillmake_arg_parse.h"
 #include "frontend/selection.h"
+#include "frontend/template_project.h"
 #include "project/property_group_files.h"
 #include "build/standard_project_system.h"
 #include "support/exceptions.h"
@@ -19,6 +22,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <string_view>
 #include <unistd.h>
 #include <vector>
 
@@ -78,14 +82,25 @@ namespace {
 // directory and installing the handler go here.
 void installCrashHandler() {}
 
-// Steps 6 and 7: the studio macros, the packages directory and the -D
-// macros. The user's global macros come from the environment settings once
-// they exist; the -D macros are added over them.
+// Steps 6 and 7: the studio macros with the user's global macros, the
+// packages directory, and the -D macros over the global ones.
 void addMacros(const QuillmakeArgParse &args, SystemMacros &macros) {
-    addStudioMacros(macros, text(args.studioDirectory), {});
+    EnvironmentSettings *settings = environmentSettings();
+    addStudioMacros(macros, text(args.studioDirectory),
+                    settings ? settings->globalMacros->stringList() : std::vector<std::string>());
     setPackagesDirectory(macros, text(args.packagesDirectory));
     for (const auto &[name, value] : args.globalMacros)
         macros.globalMacros()[name] = text(value);
+}
+
+// The ARM tools lie below $(StudioDir) unless the user's settings name
+// another directory in its place.
+void setToolStudioDirectory(StandardProjectSystem &system, const std::string &directory) {
+    static constexpr std::string_view studioDir = "$(StudioDir)";
+    PropertyClass *toolchainDirectory = system.nodeProperties.buildToolchainDirectory;
+    const std::optional<std::string> &value = toolchainDirectory->defaultValue();
+    if (value && value->starts_with(studioDir))
+        toolchainDirectory->setDefaultValue(directory + value->substr(studioDir.size()));
 }
 
 // Step 10: the hosted GNU tools with -host, else the ARM cross tools.
@@ -95,8 +110,11 @@ std::unique_ptr<StandardProjectSystem> createProjectSystem(const QuillmakeArgPar
     std::unique_ptr<StandardProjectSystem> system;
     if (args.host)
         system = std::make_unique<GCCHostProjectSystem>(&macros);
-    else
+    else {
         system = std::make_unique<ARMProjectSystem>(&macros);
+        if (const auto *settings = dynamic_cast<ARMTarnbenchEnvironmentSettings *>(environmentSettings()))
+            setToolStudioDirectory(*system, settings->studioDirDirectory->string());
+    }
     system->installDirectory = installDirectory();
     system->helpers = warning;
     return system;
@@ -108,10 +126,23 @@ long elapsedMilliseconds(std::chrono::steady_clock::time_point start) {
                                  .count());
 }
 
+// Step 12 without a solution file: a project made in memory from -type or
+// -template, which is the selected element.
+ProjectElement *createTree(const QuillmakeArgParse &args, ProjectSystem &system) {
+    const TemplateProjectRequest request{text(args.projectName), text(args.projectType),
+                                         text(args.templateName), system.templatesFilePath, args.files};
+    QuillmakeProjectLoadProgress progress(true);
+    ProjectElement *project = createTemplateProject(system, request, &progress, std::cout);
+    std::cout.flush();
+    if (!project)
+        endProgram(1);
+    return project;
+}
+
 // Step 12: the tree of the run and its selected element.
 ProjectElement *getTree(const QuillmakeArgParse &args, ProjectSystem &system) {
     if (text(args.solutionFile).empty())
-        throw HException("creating projects from a template or type is not available yet");
+        return createTree(args, system);
     QuillmakeProjectLoadProgress progress(true);
     const auto start = std::chrono::steady_clock::now();
     ProjectElement *selected =
@@ -139,7 +170,7 @@ ProjectElement *getTree(const QuillmakeArgParse &args, ProjectSystem &system) {
 // Steps 13 to 18 on the selected element: -property and -sproperty, the check
 // of the configuration, -showconfigs, the export run, and the packages
 // directory of the solution.
-void prepareSelection(const QuillmakeArgParse &args, ProjectSystem &system,
+void prepareSelection(const QuillmakeArgParse &args, StandardProjectSystem &system,
                       ProjectElement *selected) {
     const std::string &configuration = text(args.configuration);
     for (const std::string &entry : args.projectProperties) {
@@ -157,8 +188,19 @@ void prepareSelection(const QuillmakeArgParse &args, ProjectSystem &system,
         showConfigurations(system, selected, configuration, args.batch, std::cout);
         endProgram(0);
     }
-    if (args.exportBuild || args.exportParallelBuild)
-        throw HException("exporting a build is not available yet");
+    if (args.exportBuild || args.exportParallelBuild) {
+        // An export claims no lock file and leaves package_directory alone.
+        ConsoleExportOptions options;
+        options.configuration = configuration;
+        options.parallelForm = args.exportParallelBuild;
+        options.plainForm = args.exportBuild;
+        options.includeProjectName = args.exportIncludeProjectName;
+        options.noUnity = args.noUnity;
+        options.batch = args.batch;
+        options.time = args.time;
+        runConsoleExport(system, selected, options);
+        endProgram(0);
+    }
 
     const std::optional<std::string> packages = system.getExpandedPropertyValue(
         system.rootOf(), system.nodeProperties.packageDirectory, configuration);
@@ -208,7 +250,7 @@ int run(int argc, char **argv) {
     // 9-10.
     QuillmakeWarning warning(args.noStderr);
     std::unique_ptr<StandardProjectSystem> system = createProjectSystem(args, macros, &warning);
-    (void)templatesFile;
+    system->templatesFilePath = templatesFile;
     // 11.
     const BuildFlags flags = fixBuildFlags(args);
     // 12.
@@ -226,6 +268,8 @@ int run(int argc, char **argv) {
     }
     // 21-25.
     const ConsoleBuildResult result = runBuild(args, *system, selected, threads, flags);
+    // 24. The settings files are written as the settings go.
+    closeEnvironmentSettings();
     // 26.
     if (lock)
         lock->release();

@@ -148,6 +148,12 @@ public:
     // The save name that a property group item's property name stands for;
     // here the name itself.
     virtual std::string resolvePropertyName(ProjectElement *element, const std::string &name);
+    // Told the target code of a project template that states one; the base
+    // does nothing.
+    virtual void setProjectTarget(ProjectElement *project, std::uint32_t target);
+    // The project template files of a load: templatesFilePath with the
+    // system macros expanded.
+    virtual std::string projectTemplatesFile();
 
     // ---- Property listing: which properties a node of a given kind and
     // project type takes. The append operations add the classes of one kind
@@ -423,6 +429,9 @@ public:
                        const StringList &exclude);
     // Brings a loaded tree up to date with the toolchain.
     virtual void migrateElement(ProjectElement *root);
+    // The end of a load, also for a tree made in memory: the maps, the
+    // toolchain's migration and the dynamic folders.
+    void finishLoad(ProjectLoadProgressInterface *progress);
     // Writes the solution file of the node; false if it can't be written.
     bool saveSolution(ProjectElement *solutionElement, bool sorted);
     bool saveSolutionAs(ProjectElement *solutionElement, const std::string &fileName, bool sorted);
@@ -460,7 +469,8 @@ public:
     // The solution file of the last load and when it was loaded.
     std::string currentSolutionFile;
     FileTime loadTime;
-    // The project templates named by the solution's templates_file.
+    // The project template files, unexpanded: the front end's list, which a
+    // solution's templates_file replaces.
     std::string templatesFilePath;
     // What the XML writer said about the last failed save.
     std::string saveErrorText;

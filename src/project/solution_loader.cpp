@@ -6,6 +6,7 @@
 #include "project/project_system.h"
 #include "project/project_system_process.h"
 #include "project/project_system_xml.h"
+#include "project/project_templates.h"
 #include "support/command_line.h"
 #include "support/exceptions.h"
 #include "support/file_info.h"
@@ -340,6 +341,16 @@ ProjectElement *ProjectSystem::loadSolution(const std::string &fileName,
     if (!templatedProjects.empty())
         expandTemplatedProjects(templateHandler, progress);
 
+    finishLoad(progress);
+
+    currentSolutionFile = fileName;
+    loadTime = FileTime::now();
+    trackingChanges = true;
+    return solution;
+}
+
+void ProjectSystem::finishLoad(ProjectLoadProgressInterface *progress) {
+    ProgressSteps steps(progress);
     steps.begin("Mapping project information", 0);
     mapProjects(progress);
     steps.end();
@@ -361,11 +372,6 @@ ProjectElement *ProjectSystem::loadSolution(const std::string &fileName,
         }
         steps.end();
     }
-
-    currentSolutionFile = fileName;
-    loadTime = FileTime::now();
-    trackingChanges = true;
-    return solution;
 }
 
 ProjectElement *ProjectSystem::readSolutionFile(const std::string &baseDirectory,
@@ -377,30 +383,51 @@ ProjectElement *ProjectSystem::readSolutionFile(const std::string &baseDirectory
     return SolutionReader(*this, fileNotFoundHandler, steps).read(baseDirectory, fileName, macroText);
 }
 
-// Project templates aren't read yet, so no template is ever found; the
-// failures are those of a missing template.
+// Each project that names a template is filled from it; the templates are
+// read once for all of them.
 void ProjectSystem::expandTemplatedProjects(TemplateNotFoundErrorHandler *templateHandler,
                                             ProjectLoadProgressInterface *progress) {
     ProgressSteps steps(progress);
     steps.begin("Expanding templated projects", 0);
+    static const MacroTable noMacros;
+    MyProjectTemplates templates(macros ? *macros : noMacros, projectTemplatesFile(), progress);
+    templates.checkDuplicates();
     const int total = int(templatedProjects.size());
     int done = 0;
     for (ProjectElement *project : std::vector<ProjectElement *>(templatedProjects)) {
         steps.setProgress(done++, total);
         const std::string name = attribute(project, "Name").value_or("");
         std::string templateName = attribute(project, "template_name").value_or("");
+        const std::string configurations = attribute(project, "template_configurations").value_or("");
+        const std::string choices = attribute(project, "template_choices").value_or("");
         steps.begin("Expanding project '" + name + "'", 0);
         for (const char *attributeName : {"template_name", "template_configurations", "template_choices"})
             removeAttribute(project, attributeName);
         if (templateName.empty() &&
-            (!templateHandler || !templateHandler->chooseTemplate(nullptr, name, templateName))) {
+            (!templateHandler || !templateHandler->chooseTemplate(&templates, name, templateName))) {
             close();
             steps.fail(SolutionLoadError(name, false, "no template for project "));
         }
-        close();
-        steps.fail(SolutionLoadError("project template not found", false, templateName));
+        XMLElement *definition = templates.findTemplate(templateName, 0);
+        if (!definition) {
+            close();
+            steps.fail(SolutionLoadError("project template not found", false, templateName));
+        }
+        try {
+            expandProject(templates, *this, solutionOf(project), project, definition,
+                          splitAtAny(configurations, ";"), splitAtAny(choices, ";"), progress);
+        } catch (const SolutionLoadError &error) {
+            steps.fail(error);
+        }
+        steps.end();
     }
     steps.end();
+}
+
+void ProjectSystem::setProjectTarget(ProjectElement *, std::uint32_t) {}
+
+std::string ProjectSystem::projectTemplatesFile() {
+    return macros ? expandSystemMacros(*macros, templatesFilePath) : templatesFilePath;
 }
 
 ProjectElement *ProjectSystem::importSolution(ProjectElement *parentElement, const std::string &fileName,

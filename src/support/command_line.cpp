@@ -41,3 +41,23 @@ std::vector<std::string> splitCommandChain(std::string_view text, std::string_vi
     std::erase_if(parts, [](const std::string &part) { return part.find_first_not_of(' ') == std::string::npos; });
     return parts;
 }
+
+std::string joinArguments(const std::vector<std::string> &arguments) {
+    std::string text;
+    for (const std::string &argument : arguments) {
+        if (&argument != &arguments.front())
+            text += ' ';
+        if (argument.find(' ') == std::string::npos) {
+            text += argument;
+            continue;
+        }
+        text += '"';
+        for (char c : argument) {
+            if (c == '"')
+                text += '\\';
+            text += c;
+        }
+        text += '"';
+    }
+    return text;
+}

@@ -21,3 +21,8 @@ std::vector<std::string> splitCommandLine(std::string_view text);
 // command properties use " && "; a few that are split after macro expansion
 // use "&&".
 std::vector<std::string> splitCommandChain(std::string_view text, std::string_view separator = " && ");
+
+// The arguments as one line of shell text, one blank between them. An
+// argument with a blank is put between double quotes, with each double quote
+// in it written as \"; any other argument stands as it is.
+std::string joinArguments(const std::vector<std::string> &arguments);

@@ -32,4 +32,11 @@ inline void appendSplit(StringList &list, const std::string &text) {
     }
 }
 
+// text with every occurrence of from replaced by to.
+inline std::string replaceAll(std::string text, const std::string &from, const std::string &to) {
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+    return text;
+}
+
 }  // namespace gcc_arguments

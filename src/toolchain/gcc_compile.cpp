@@ -319,8 +319,8 @@ void GCCProjectSystem::buildStep(ProjectElement *element, const std::string &con
     }
     if (!appendAdditionalOptions(element, configuration, step, builder, arguments))
         return;
-    if (step == KindCpp && value(gcc.enableModules) == "Yes" && usesModuleMapper(element, configuration))
-        arguments.push_back("-Mno-modules");
+    if (step == KindCpp && value(gcc.enableModules) == "Yes")
+        appendModuleOptions(element, configuration, outputFile, arguments);
     appendDebugInformation(element, configuration, arguments);
     appendCharacterType(element, configuration, arguments);
     appendOptimization(element, configuration, arguments);

@@ -261,6 +261,14 @@ StringList GCCProjectSystem::memoryUsageCommand(ProjectElement *element, const s
 
 void GCCProjectSystem::appendIntermediateFiles(ProjectElement *element, const std::string &configuration,
                                                int step, const std::string &output, StringList &list) {
+    if (step == KindCpp && getPropertyValue(element, gccProperties.enableModules, configuration) == "Yes") {
+        for (const std::string &file :
+             {moduleInterfaceFilePath(element, configuration),
+              intermediateFilePath(element, configuration, sourcePath(element, configuration), ".modmap")})
+            if (FileInfo(file).exists())
+                list.push_back(file);
+        return;
+    }
     if (step != KindLink && step != KindArchive)
         return;
     auto add = [&](PropertyClass *kept, const std::string &file) {

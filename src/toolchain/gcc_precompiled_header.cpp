@@ -42,18 +42,6 @@ int GCCProjectSystem::precompiledHeaderStep(ProjectElement *element, const std::
     return isCppProject(element, configuration) ? KindCpp : KindC;
 }
 
-bool GCCProjectSystem::scanModuleDependencies(ProjectElement *project, const std::string &configuration) {
-    return precompiledHeaderOf(project, configuration) != nullptr;
-}
-
-std::vector<ProjectElement *> GCCProjectSystem::filePrerequisites(ProjectElement *element,
-                                                                  const std::string &configuration) {
-    ProjectElement *header = precompiledHeaderOf(element, configuration);
-    if (!header || header == element)
-        return {};
-    return {header};
-}
-
 void GCCProjectSystem::forcedIncludeFiles(ProjectElement *element, const std::string &configuration,
                                           StringList &list) {
     StandardProjectSystem::forcedIncludeFiles(element, configuration, list);

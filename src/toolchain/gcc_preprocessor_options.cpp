@@ -21,27 +21,40 @@ StringList GCCProjectSystem::expandedList(ProjectElement *element, PropertyClass
     return list;
 }
 
+StringList GCCProjectSystem::preprocessorEntries(ProjectElement *element, PropertyClass *property,
+                                                 const std::string &configuration, int step) {
+    StringList list = expandedList(element, property, configuration, step);
+    if (exportQuoting)
+        for (std::string &entry : list)
+            for (std::size_t at = entry.find('"'); at != std::string::npos; at = entry.find('"', at + 2))
+                entry.insert(at, 1, '\\');
+    return list;
+}
+
 void GCCProjectSystem::appendUserIncludeDirectories(ProjectElement *element, const std::string &configuration,
                                                     int step, StringList &list) {
-    for (std::string directory : expandedList(element, toolProperties.cUserIncludeDirectories, configuration, step)) {
+    for (std::string directory :
+         preprocessorEntries(element, toolProperties.cUserIncludeDirectories, configuration, step)) {
         if (!directory.empty() && directory[0] == '/')
             normalisePath(directory);
-        list.push_back("-I" + directory);
+        // In a script the directory is quoted, blanks and all.
+        list.push_back(exportQuoting ? "-I\"" + directory + "\"" : "-I" + directory);
     }
 }
 
 void GCCProjectSystem::appendDefinesAndForcedIncludes(ProjectElement *element, const std::string &configuration,
                                                       int step, StringList &list) {
     const ToolProperties &tools = toolProperties;
-    for (const std::string &define : expandedList(element, tools.cPreprocessorDefinitions, configuration, step))
+    for (const std::string &define : preprocessorEntries(element, tools.cPreprocessorDefinitions, configuration, step))
         list.push_back("-D" + define);
-    for (const std::string &undefine : expandedList(element, tools.cPreprocessorUndefinitions, configuration, step))
+    for (const std::string &undefine :
+         preprocessorEntries(element, tools.cPreprocessorUndefinitions, configuration, step))
         list.push_back("-U" + undefine);
-    for (const std::string &file : expandedList(element, tools.cIncludeFiles, configuration, step)) {
+    for (const std::string &file : preprocessorEntries(element, tools.cIncludeFiles, configuration, step)) {
         list.push_back("-include");
         list.push_back(file);
     }
-    for (const std::string &file : expandedList(element, tools.cMacrosFiles, configuration, step)) {
+    for (const std::string &file : preprocessorEntries(element, tools.cMacrosFiles, configuration, step)) {
         list.push_back("-imacros");
         list.push_back(file);
     }
@@ -53,7 +66,8 @@ void GCCProjectSystem::appendPreprocessorOptions(ProjectElement *element, const 
     if (getPropertyValue(element, tools.cIgnoreIncludes, configuration) == "No") {
         std::optional<std::string> own;
         if (hasOwnValue(element, tools.cSystemIncludeDirectories, configuration, own))
-            for (const std::string &directory : expandedList(element, tools.cSystemIncludeDirectories, configuration)) {
+            for (const std::string &directory :
+                 preprocessorEntries(element, tools.cSystemIncludeDirectories, configuration)) {
                 list.push_back("-isystem");
                 list.push_back(directory);
             }

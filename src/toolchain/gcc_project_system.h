@@ -40,6 +40,19 @@ public:
     bool supportsModuleScan(ProjectElement *, const std::string &) override { return true; }
     bool usesRanlib(ProjectElement *, const std::string &) override { return true; }
     bool usesModuleMapper(ProjectElement *, const std::string &) override { return true; }
+    // The kind of compile that the file's type name stands for: C, C++ or
+    // assembly; KindNone for any other.
+    int sourceKind(ProjectElement *element, const std::string &configuration);
+    // The preprocessor options of the file's kind, without a dependency file.
+    void preprocessorArguments(ProjectElement *element, const std::string &configuration,
+                               StringList &list) override;
+    // The base's list, then what clang needs to see the file as gcc does:
+    // "-U__clang__", the language standard and options, the compiled module
+    // interfaces and the precompiled header.
+    void codeModelArguments(ProjectElement *element, const std::string &configuration,
+                            StringList &list) override;
+    // A compile of a C or C++ file with -fsyntax-only, through the driver.
+    void checkSyntax(ProjectElement *element, const std::string &configuration, Builder *builder) override;
     // Include directories, defines, undefines, forced includes and macro
     // files of the node for a compile of the step, then the options that
     // make the compiler write the dependency file of output.
@@ -80,9 +93,36 @@ public:
     // other compile of the project includes it first.
     ProjectElement *precompiledHeaderOf(ProjectElement *element, const std::string &configuration);
     int precompiledHeaderStep(ProjectElement *element, const std::string &configuration) override;
+    // With C++ modules on, runs clang-scan-deps over the project and keeps
+    // which module each file provides and which files it imports; with a
+    // precompiled header, orders without a scan.
     bool scanModuleDependencies(ProjectElement *project, const std::string &configuration) override;
+    // The module that the last scan found the file to provide, else its
+    // file name.
+    std::string moduleNameOf(ProjectElement *element, const std::string &configuration) override;
+    // The precompiled header, else the files whose modules the file imports.
     std::vector<ProjectElement *> filePrerequisites(ProjectElement *element,
                                                     const std::string &configuration) override;
+    // Module name to object file, in name order.
+    using ModuleList = std::map<std::string, std::string>;
+    // The modules that a file's compile needs: its own (made at ownFile),
+    // those it imports directly or not, and gcc_additional_modules.
+    void collectModules(ProjectElement *element, const std::string &configuration, const std::string &ownFile,
+                        ModuleList &result);
+    // Writes the file's module map, <intermediate directory>/<base>.modmap,
+    // for gcc's -fmodule-mapper; its path relative to the project
+    // directory, or empty if it can't be written.
+    std::string writeModuleMapFile(ProjectElement *element, const std::string &configuration,
+                                   const std::string &ownFile);
+    // The module options of a C++ compile that makes object: gcc's module
+    // mapper with a map written for it, else the interfaces of the imported
+    // modules that exist.
+    void appendModuleOptions(ProjectElement *element, const std::string &configuration, const std::string &object,
+                             StringList &list);
+    // With modules on, the compiled interfaces of the imported modules join
+    // the prerequisites of a C++ object.
+    const StringList &fileDependencies(ProjectElement *element, const std::string &configuration,
+                                       const std::string &output) override;
     void forcedIncludeFiles(ProjectElement *element, const std::string &configuration,
                             StringList &list) override;
     std::string outputFilePath(int step, ProjectElement *element, const std::string &configuration) override;
@@ -231,6 +271,11 @@ protected:
     // "_asm_only") follow.
     StringList expandedList(ProjectElement *element, PropertyClass *property,
                             const std::string &configuration, int step = 0);
+    // expandedList of an include or define property. In an exported script
+    // each double quote of an entry is written as \", so that the shell
+    // passes it on.
+    StringList preprocessorEntries(ProjectElement *element, PropertyClass *property,
+                                   const std::string &configuration, int step = 0);
 
     // The GCC level of addToolMacros alone.
     void addDriverToolMacros(ProjectElement *element, const std::string &configuration, MacroMap &map);
@@ -243,4 +288,15 @@ private:
         std::map<std::pair<ProjectElement *, std::string>, ProjectElement *> entries;
     };
     PrecompiledHeaders precompiledHeaders_;
+    // What the last module scan found.
+    struct ModuleScan {
+        std::map<ProjectElement *, std::vector<ProjectElement *>> required;  // the files each file imports
+        std::map<ProjectElement *, std::string> names;                      // the module each file provides
+        bool scanning = false;  // the scanner's database is being written
+        StringList dependencies;  // the last answer of fileDependencies with interfaces
+    };
+    ModuleScan moduleScan_;
+    // The modules of the files that the file imports, directly or not,
+    // with their objects.
+    void importedModules(ProjectElement *element, const std::string &configuration, ModuleList &result);
 };

@@ -123,7 +123,8 @@ void OstrandGCCProjectSystem::appendDirectPreprocessorOptions(ProjectElement *el
             for (const std::string &directory : cpp)
                 list.push_back("-isystem" + directory);
         }
-        for (const std::string &directory : expandedList(element, tools.cSystemIncludeDirectories, configuration))
+        for (const std::string &directory :
+             preprocessorEntries(element, tools.cSystemIncludeDirectories, configuration))
             list.push_back("-isystem" + directory);
         appendUserIncludeDirectories(element, configuration, step, list);
         if (groups)

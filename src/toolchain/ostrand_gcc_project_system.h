@@ -68,6 +68,16 @@ public:
     // external driver's target options; then the platform's.
     bool appendDriverOptions(ProjectElement *element, const std::string &configuration, int step,
                              const std::string &output, StringList &list) override;
+    // In the direct form the include directories and defines of its
+    // compile, in the gcc spelling, without a dependency file.
+    void preprocessorArguments(ProjectElement *element, const std::string &configuration,
+                               StringList &list) override;
+    // The driver's list, then clang's thread model for C++, the GNU version
+    // and the platform's target options.
+    void codeModelArguments(ProjectElement *element, const std::string &configuration,
+                            StringList &list) override;
+    // In the direct form the compiler proper with -fsyntax-only.
+    void checkSyntax(ProjectElement *element, const std::string &configuration, Builder *builder) override;
     // The base's extra inputs, filtered by the platform.
     void linkerInputFiles(ProjectElement *element, const std::string &configuration, StringList &list) override;
     std::string secondaryLinkOutput(ProjectElement *element, const std::string &configuration) override;

@@ -128,6 +128,8 @@ void addFpuFeatures(const Target &target, StringList &list) {
         add(list, "-neon");
 }
 
+}  // namespace
+
 std::string triple(const Target &target) {
     static const char *const architectures[architectureCount] = {
         "", "v4t", "v5te", "v6", "", "v6m", "v7m", "v7em", "v7r", "v7a", "v8a", "v8r", "v8m.base", "v8m.main",
@@ -142,8 +144,6 @@ std::string triple(const Target &target) {
         text += architectures[architecture];
     return text + "-none-eabi";
 }
-
-}  // namespace
 
 void backEndTargetOptions(const Target &target, StringList &list, bool forCompile) {
     const bool knownCore = target.core > 0 && target.core < coreCount;

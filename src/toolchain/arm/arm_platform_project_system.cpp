@@ -133,7 +133,10 @@ bool ARMPlatformProjectSystem::appendDriverTargetOptions(ProjectElement *element
 
 void ARMPlatformProjectSystem::appendCodeModelOptions(ProjectElement *element, const std::string &configuration,
                                                       StringList &list) {
-    arm::preprocessTargetOptions(target(element, configuration), true, list);
+    // A clang-based tool runs for the host unless told the target.
+    const arm::Target t = target(element, configuration);
+    list.push_back("--target=" + (t.isArm64() ? std::string("aarch64-none-eabi") : arm::triple(t)));
+    arm::preprocessTargetOptions(t, true, list);
 }
 
 std::string ARMPlatformProjectSystem::secondaryLinkOutput(ProjectElement *element,

@@ -140,5 +140,7 @@ void targetDefines(const Target &target, const std::string &packagesInclude, Str
 // -triple, -target-cpu, the features and the float ABI; forCompile false
 // leaves out what an assembler doesn't take.
 void backEndTargetOptions(const Target &target, StringList &list, bool forCompile);
+// The target triple of a 32-bit target, e.g. "thumbv7em-none-eabi".
+std::string triple(const Target &target);
 
 }  // namespace arm

@@ -8,16 +8,18 @@
 #include "support/file_path.h"
 #include "support/macro_expansion.h"
 
-StandardProjectSystem::StandardProjectSystem(SystemMacros *macroTable)
-    : ProjectSystem(macroTable), toolProperties(propertyClasses) {}
-
-// ---- Tools.
-
 namespace {
 
 constexpr std::string_view standardToolMacros[] = {"CLANGTIDY", "CC", "CCPP"};
 
 }  // namespace
+
+StandardProjectSystem::StandardProjectSystem(SystemMacros *macroTable)
+    : ProjectSystem(macroTable), toolProperties(propertyClasses) {
+    addToolMacroNames(standardToolMacros);
+}
+
+// ---- Tools.
 
 void StandardProjectSystem::addToolMacros(ProjectElement *, const std::string &, MacroMap &map) {
     const std::string install = installDirectory;
@@ -29,13 +31,6 @@ void StandardProjectSystem::addToolMacros(ProjectElement *, const std::string &,
             continue;
         map[name] = defaults[i];
     }
-}
-
-bool StandardProjectSystem::mayBeToolMacro(std::string_view name) const {
-    for (std::string_view tool : standardToolMacros)
-        if (name == tool)
-            return true;
-    return false;
 }
 
 void StandardProjectSystem::selectPlatform(ProjectElement *, const std::string &) {}

@@ -51,7 +51,6 @@ public:
     // global macros already name them.
     void addToolMacros(ProjectElement *element, const std::string &configuration,
                        MacroMap &map) override;
-    bool mayBeToolMacro(std::string_view name) const override;
     // Called first for every node that is built.
     virtual void selectPlatform(ProjectElement *element, const std::string &configuration);
     // Runs one compile, assemble, link or archive step. No compiler toolchain

@@ -16,9 +16,8 @@ public:
         map["OBJ"] = ".obj";
         map["User"] = "tool " + map["User"];
     }
-    bool mayBeToolMacro(std::string_view name) const override {
-        return name == "CC" || name == "OBJ" || name == "User";
-    }
+    ToolProjectSystem() { addToolMacroNames(names); }
+    static constexpr std::string_view names[] = {"CC", "OBJ", "User"};
 };
 
 const char *const tree = R"x(<solution Name="S"><project Name="App">

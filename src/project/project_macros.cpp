@@ -86,4 +86,3 @@ PropertyValueGroupFile *ProjectSystem::groupFileOf(ProjectElement *element,
     return ProjectMacroSource(*this, element, configuration).groupFile();
 }
 
-bool ProjectSystem::mayBeToolMacro(std::string_view) const { return false; }

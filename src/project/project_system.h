@@ -13,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -116,8 +117,9 @@ public:
     virtual void addToolMacros(ProjectElement *element, const std::string &configuration,
                                MacroMap &map);
     // False for every name that addToolMacros never adds, so that expanding
-    // other names needn't make the tool macros.
-    virtual bool mayBeToolMacro(std::string_view name) const;
+    // other names needn't make the tool macros. One set for the whole class
+    // chain: this is asked for nearly every macro of every file.
+    bool mayBeToolMacro(std::string_view name) const { return toolMacroNames_.count(name) != 0; }
     // True while addToolMacros runs: the properties it expands see no tool
     // macros of their own.
     bool fillingToolMacros = false;
@@ -485,8 +487,14 @@ protected:
     }
     // Expansion with the global and the system macros, no project macros.
     std::string expandGlobalMacros(const std::string &text) const;
+    // Names that addToolMacros may add; each toolchain class adds its own.
+    // They must live as long as the system (string literals).
+    void addToolMacroNames(std::span<const std::string_view> names) {
+        toolMacroNames_.insert(names.begin(), names.end());
+    }
 
 private:
+    std::unordered_set<std::string_view> toolMacroNames_;
     void expandTemplatedProjects(TemplateNotFoundErrorHandler *templateHandler,
                                  ProjectLoadProgressInterface *progress);
     void propertyChanged(ProjectElement *element, ProjectElement *store, PropertyClass *property,

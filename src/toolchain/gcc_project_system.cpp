@@ -14,6 +14,7 @@ GCCProjectSystem::GCCProjectSystem(SystemMacros *macroTable, const std::string &
     : StandardProjectSystem(macroTable),
       gccProperties(propertyClasses, flags),
       executableExtension_(std::move(executableExtension)) {
+    addToolMacroNames(driverToolMacros);
     nodeProperties.buildToolchainDirectory->setDefaultValue(toolDirectory);
     if (flags.removeUnusedSymbols)
         nodeProperties.buildRemoveUnusedSymbols->setDefaultValue("Yes");
@@ -58,13 +59,6 @@ void GCCProjectSystem::addToolMacros(ProjectElement *element, const std::string 
                                      MacroMap &map) {
     StandardProjectSystem::addToolMacros(element, configuration, map);
     addDriverToolMacros(element, configuration, map);
-}
-
-bool GCCProjectSystem::mayBeToolMacro(std::string_view name) const {
-    for (std::string_view tool : driverToolMacros)
-        if (name == tool)
-            return true;
-    return StandardProjectSystem::mayBeToolMacro(name);
 }
 
 bool GCCProjectSystem::canCheckSyntax(ProjectElement *element, const std::string &configuration) {

@@ -32,7 +32,6 @@ public:
     // macros already hold keeps its value.
     void addToolMacros(ProjectElement *element, const std::string &configuration,
                        MacroMap &map) override;
-    bool mayBeToolMacro(std::string_view name) const override;
     // Inserts name=value unless the map or the global macros name it.
     void addToolMacro(MacroMap &map, const std::string &name, const std::string &value) const;
     // C and C++ files.

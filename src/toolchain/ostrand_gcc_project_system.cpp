@@ -24,7 +24,10 @@ constexpr std::string_view targetMacros[] = {"GCCTarget", "GCCVersion", "GCCPref
 OstrandGCCProjectSystem::OstrandGCCProjectSystem(SystemMacros *macroTable)
     : GCCProjectSystem(macroTable, "$(StudioDir)/gcc/$(GCCTarget)/bin", std::string(), ".elf",
                        GCCTableFlags{true, true, false, true, true}),
-      ostProperties(propertyClasses) {}
+      ostProperties(propertyClasses) {
+    addToolMacroNames(installedToolMacros);
+    addToolMacroNames(targetMacros);
+}
 
 void OstrandGCCProjectSystem::addToolMacros(ProjectElement *element, const std::string &configuration,
                                             MacroMap &map) {
@@ -61,16 +64,6 @@ void OstrandGCCProjectSystem::addToolMacros(ProjectElement *element, const std::
     addToolMacro(map, "STRIP", directory + "/strip" + exe);
     addToolMacro(map, "GCC", install + "/bin/cc" + exe);
     addToolMacro(map, "GPLUSPLUS", install + "/bin/cc++" + exe);
-}
-
-bool OstrandGCCProjectSystem::mayBeToolMacro(std::string_view name) const {
-    for (std::string_view tool : installedToolMacros)
-        if (name == tool)
-            return true;
-    for (std::string_view macro : targetMacros)
-        if (name == macro)
-            return true;
-    return GCCProjectSystem::mayBeToolMacro(name);
 }
 
 bool OstrandGCCProjectSystem::externalGcc(ProjectElement *element, const std::string &configuration) {

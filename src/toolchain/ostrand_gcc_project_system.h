@@ -27,7 +27,6 @@ public:
     // OBJCOPY, OBJDUMP, STRIP, and GCC and GPLUSPLUS as its own drivers.
     void addToolMacros(ProjectElement *element, const std::string &configuration,
                        MacroMap &map) override;
-    bool mayBeToolMacro(std::string_view name) const override;
     // ".pcm" unless arm_compiler_variant is "gcc".
     std::string moduleInterfaceFilePath(ProjectElement *element, const std::string &configuration) override;
     // The driver's abilities with use_external_gcc "Yes"; the installation's

@@ -233,9 +233,14 @@ void ARMPlatformProjectSystem::migrateElement(ProjectElement *root) {
         pending.pop_back();
         if (!element)
             continue;
-        for (const auto &[name, value] : XMLAttributes(element->attributes())) {
+        // Setting an attribute that exists changes its value in place, so the
+        // walk needs no copy of the attributes.
+        for (const auto &[name, value] : element->attributes()) {
+            // Only a value that names the old library folder can change.
+            if (!value || value->find("tskq") == std::string::npos)
+                continue;
             const PropertyClass *property = owner_->propertyClasses.propertyClass(name);
-            if (!value || !property || !isDirectoryValued(*property))
+            if (!property || !isDirectoryValued(*property))
                 continue;
             std::string migrated = *value;
             arm::migrateValue(migrated);

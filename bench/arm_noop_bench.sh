@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Times a build with nothing to do of one ARM solution of N small C files in
 # P library projects, beside the same solution built with -host: after a
-# full build with each toolchain, the best (worst) of R no-op runs, in
-# milliseconds. The no-op build reads the solution, expands each file's
+# full build with each toolchain, R no-op runs of each, taking turns, in
+# milliseconds (best, median, worst). The no-op build reads the solution, expands each file's
 # properties, stats its inputs and outputs and reads its dependency file,
 # for both toolchains alike; the ARM toolchain has more properties and
 # macros per file.
 #
 #   bench/arm_noop_bench.sh [quillmake binary] [files] [projects] [runs]
 set -euo pipefail
+source "$(dirname "$(realpath "$0")")/timing.sh"
 
 quillmake=$(realpath "${1:-build-release/bin/quillmake}")
 files=${2:-2000}
@@ -43,31 +44,31 @@ printf '#pragma once\n#include <stdint.h>\n#define BASE 7\n' > inc/common.h
 # The same solution for the machine's own tools, which take no target.
 sed 's/ target="8"//' noop.tbp > host.tbp
 
-# Milliseconds of one run of "$@", its output dropped.
-timed() {
-    local start end
-    start=$(date +%s%N)
-    "$@" > /dev/null 2>&1 || { echo "failed: $*" >&2; exit 1; }
-    end=$(date +%s%N)
-    echo $(((end - start) / 1000000))
-}
-
-# "best (worst)" of the no-op runs of a solution file, after its full build,
-# with the options that follow it.
-noop() {
-    local solution=$1 best= worst= r ms
+# Builds a solution fully, with the options that follow it, and checks that
+# nothing is left to do.
+build() {
+    local solution=$1
     shift
     "$quillmake" "$@" -config Debug -threadnum 2 "$solution" > /dev/null 2>&1 || { echo "build failed: $*" >&2; exit 1; }
     [[ -z $("$quillmake" "$@" -config Debug -threadnum 2 -show "$solution") ]] ||
         { echo "work left after a build: $*" >&2; exit 1; }
-    for ((r = 0; r < runs; ++r)); do
-        ms=$(timed "$quillmake" "$@" -config Debug -threadnum 2 "$solution")
-        if [[ -z $best || $ms -lt $best ]]; then best=$ms; fi
-        if [[ -z $worst || $ms -gt $worst ]]; then worst=$ms; fi
-    done
-    echo "$best ($worst)"
 }
 
-echo "$files files in $projects libraries; no-op best (worst) of $runs runs, milliseconds; load $(cut -d' ' -f1-3 /proc/loadavg)"
-printf '%-22s %s\n' "ARM, direct form" "$(noop noop.tbp)"
-printf '%-22s %s\n' "-host" "$(noop host.tbp -host)"
+# "best median worst" of a list of milliseconds.
+summary() {
+    sort -n | awk '{ v[NR] = $1 } END { printf "%6d %6d %6d\n", v[1], v[int((NR + 1) / 2)], v[NR] }'
+}
+
+build noop.tbp
+build host.tbp -host
+# The two no-ops take turns, so that a change in the machine's load falls on
+# both alike.
+arm=() host=()
+for ((r = 0; r < runs; ++r)); do
+    arm+=("$(timed "$quillmake" -config Debug -threadnum 2 noop.tbp)")
+    host+=("$(timed "$quillmake" -host -config Debug -threadnum 2 host.tbp)")
+done
+echo "$files files in $projects libraries; no-op of $runs runs each, taking turns, milliseconds; load $(cut -d' ' -f1-3 /proc/loadavg)"
+printf '%-22s %6s %6s %6s\n' "" best median worst
+printf '%-22s %s\n' "ARM, direct form" "$(printf '%s\n' "${arm[@]}" | summary)"
+printf '%-22s %s\n' "-host" "$(printf '%s\n' "${host[@]}" | summary)"

@@ -15,6 +15,7 @@
 # solution turns off linker_use_indirect_files, so that an archive of 100
 # objects is one command line rather than a response file. See README.md.
 set -euo pipefail
+source "$(dirname "$(realpath "$0")")/timing.sh"
 
 quillmake=$(realpath "${1:-build-release/bin/quillmake}")
 projects=${2:-20}
@@ -119,15 +120,6 @@ nothingToDo() {
     ninja) ninja -n | grep -q "no work to do" ;;
     make) make -q ;;
     esac || { echo "$1: work left after a build in $PWD" >&2; exit 1; }
-}
-
-# Milliseconds of one run of "$@", its output dropped.
-timed() {
-    local start end
-    start=$(date +%s%N)
-    "$@" > /dev/null 2>&1 || { echo "failed: $*" >&2; exit 1; }
-    end=$(date +%s%N)
-    echo $(((end - start) / 1000000))
 }
 
 # "best (worst)" of `runs` runs of "$@", with `prepare` run before each.

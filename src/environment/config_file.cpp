@@ -31,27 +31,8 @@ struct ConfigurationElements {
 };
 
 ConfigurationElements collectElements(const XMLElement *root) {
-    ConfigurationElements found;
-    // A walk in document order along the links, without recursion.
-    const XMLNode *node = root;
-    while (node) {
-        if (const XMLElement *element = node->toElement()) {
-            if (element->tagName == "setting")
-                found.settings.push_back(element);
-            else if (element->tagName == "system-macro")
-                found.systemMacros.push_back(element);
-            else if (element->tagName == "environment-variable")
-                found.environmentVariables.push_back(element);
-        }
-        if (node->firstChild) {
-            node = node->firstChild;
-            continue;
-        }
-        while (node && node != root && !node->nextSibling)
-            node = node->parent;
-        node = node && node != root ? node->nextSibling : nullptr;
-    }
-    return found;
+    return {configurationElements(root, "setting"), configurationElements(root, "system-macro"),
+            configurationElements(root, "environment-variable")};
 }
 
 void traceLoadError(const std::string &message) {
@@ -66,6 +47,25 @@ std::string nameOf(const XMLElement &element) {
 }
 
 }  // namespace
+
+std::vector<const XMLElement *> configurationElements(const XMLElement *root, std::string_view tag) {
+    std::vector<const XMLElement *> found;
+    // A walk in document order along the links, without recursion.
+    const XMLNode *node = root;
+    while (node) {
+        const XMLElement *element = node->toElement();
+        if (element && element->tagName == tag)
+            found.push_back(element);
+        if (node->firstChild) {
+            node = node->firstChild;
+            continue;
+        }
+        while (node && node != root && !node->nextSibling)
+            node = node->parent;
+        node = node && node != root ? node->nextSibling : nullptr;
+    }
+    return found;
+}
 
 std::string configurationValue(const XMLElement &element, const std::string &installDirectory) {
     const std::string *attribute = element.attribute("value");

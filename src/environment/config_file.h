@@ -3,6 +3,8 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 class QXMLDocument;
 class SystemMacros;
@@ -44,6 +46,9 @@ private:
     std::map<std::string, std::string> settings_;
     SystemMacros &macros_;
 };
+
+// The elements named `tag` below `root`, in document order.
+std::vector<const XMLElement *> configurationElements(const XMLElement *root, std::string_view tag);
 
 // The value of a setting, system-macro or environment-variable element: its
 // `value` attribute, as it stands with expand="no" (in any case), else with

@@ -1,5 +1,6 @@
 #include "environment/environment_settings.h"
 
+#include "environment/config_file.h"
 #include "environment/user_directories.h"
 #include "project/xml/xml_element.h"
 #include "support/trace.h"
@@ -56,25 +57,6 @@ std::optional<Type> typeOfWord(const std::string &word) {
     };
     const auto found = words.find(word);
     return found == words.end() ? std::nullopt : std::optional<Type>(found->second);
-}
-
-// The environment-setting elements below `root`, in document order.
-std::vector<const XMLElement *> settingElements(const XMLElement *root) {
-    std::vector<const XMLElement *> found;
-    const XMLNode *node = root;
-    while (node) {
-        const XMLElement *element = node->toElement();
-        if (element && element->tagName == "environment-setting")
-            found.push_back(element);
-        if (node->firstChild) {
-            node = node->firstChild;
-            continue;
-        }
-        while (node && node != root && !node->nextSibling)
-            node = node->parent;
-        node = node && node != root ? node->nextSibling : nullptr;
-    }
-    return found;
 }
 
 }  // namespace
@@ -183,7 +165,7 @@ EnvironmentPropertyValue *EnvironmentSettings::makeSetting(const XMLElement &ele
 }
 
 void EnvironmentSettings::applyConfiguration(const XMLElement *root) {
-    for (const XMLElement *element : settingElements(root)) {
+    for (const XMLElement *element : configurationElements(root, "environment-setting")) {
         const std::string *name = element->attribute("name");
         if (!name)
             continue;

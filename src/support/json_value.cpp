@@ -18,6 +18,42 @@ const std::string emptyString;
 
 void indent(std::string &output, int level) { output.append(std::size_t(level) * 2, ' '); }
 
+// Writes a container: `open`, each item through writeItem (comma-separated,
+// a line each unless compact), `close`; an empty one on one line.
+template <class Items, class WriteItem>
+void writeContainer(std::string &output, bool compact, int level, char open, char close, const Items &items,
+                    WriteItem writeItem) {
+    output += open;
+    bool first = true;
+    for (const auto &item : items) {
+        if (!first)
+            output += ',';
+        first = false;
+        if (!compact) {
+            output += '\n';
+            indent(output, level + 1);
+        }
+        writeItem(item);
+    }
+    if (!compact && !first) {
+        output += '\n';
+        indent(output, level);
+    }
+    output += close;
+}
+
+// The first value along `rest` below one of `values` that isn't null.
+template <class Values, class ValueOf>
+const Value &firstFound(const Values &values, std::string_view rest, bool hasRest, ValueOf valueOf) {
+    for (const auto &item : values) {
+        const Value &value = valueOf(item);
+        const Value &result = hasRest ? value.at(rest) : value;
+        if (result.type() != Null)
+            return result;
+    }
+    return Value::null();
+}
+
 // Splits an array step "[n]..." into its index text and the rest behind
 // the "]"; false if the path has no such step.
 bool splitIndex(std::string_view path, std::string_view &index, std::string_view &rest) {
@@ -131,40 +167,17 @@ public:
                 return Value::null();
             return hasRest ? found->second.at(rest) : found->second;
         }
-        for (const auto &[name, value] : members_) {
-            const Value &result = hasRest ? value.at(rest) : value;
-            if (result.type() != Null)
-                return result;
-        }
-        return Value::null();
+        return firstFound(members_, rest, hasRest, [](const auto &member) -> const Value & { return member.second; });
     }
 
     void write(std::string &output, bool compact, int level) const override {
-        if (members_.empty()) {
-            output += "{}";
-            return;
-        }
-        output += '{';
-        bool first = true;
-        for (const auto &[key, value] : members_) {
-            if (!first)
-                output += ',';
-            first = false;
-            if (!compact) {
-                output += '\n';
-                indent(output, level + 1);
-            }
+        writeContainer(output, compact, level, '{', '}', members_, [&](const auto &member) {
             // Keys go out as they stand, unlike string values.
             output += '"';
-            output += key;
+            output += member.first;
             output += compact ? "\":" : "\": ";
-            value.write(output, compact, level + 1);
-        }
-        if (!compact) {
-            output += '\n';
-            indent(output, level);
-        }
-        output += '}';
+            member.second.write(output, compact, level + 1);
+        });
     }
 
     std::unique_ptr<ValueData> clone() const override { return std::make_unique<ObjectValueData>(*this); }
@@ -209,36 +222,12 @@ public:
             return !readIndex(index, elements_.size(), n) ? Value::null()
                    : rest.empty()                          ? elements_[n]
                                                            : elements_[n].at(rest);
-        for (const Value &value : elements_) {
-            const Value &result = rest.empty() ? value : value.at(rest);
-            if (result.type() != Null)
-                return result;
-        }
-        return Value::null();
+        return firstFound(elements_, rest, !rest.empty(), [](const Value &value) -> const Value & { return value; });
     }
 
     void write(std::string &output, bool compact, int level) const override {
-        if (elements_.empty()) {
-            output += "[]";
-            return;
-        }
-        output += '[';
-        bool first = true;
-        for (const Value &value : elements_) {
-            if (!first)
-                output += ',';
-            first = false;
-            if (!compact) {
-                output += '\n';
-                indent(output, level + 1);
-            }
-            value.write(output, compact, level + 1);
-        }
-        if (!compact) {
-            output += '\n';
-            indent(output, level);
-        }
-        output += ']';
+        writeContainer(output, compact, level, '[', ']', elements_,
+                       [&](const Value &value) { value.write(output, compact, level + 1); });
     }
 
     std::unique_ptr<ValueData> clone() const override { return std::make_unique<ArrayValueData>(*this); }

@@ -37,7 +37,9 @@ void removeTree(const std::string &path) {
 
 Sandbox::Sandbox() {
     const char *tmp = std::getenv("TMPDIR");
-    std::string pattern = std::string(tmp && *tmp ? tmp : "/tmp") + "/quillmake-e2e.XXXXXX";
+    // A dot before the random part could make ".o" appear in every path of the
+    // sandbox, and module map files replace each ".o" of an object path.
+    std::string pattern = std::string(tmp && *tmp ? tmp : "/tmp") + "/quillmake-e2e-XXXXXX";
     if (!mkdtemp(pattern.data()))
         throw std::runtime_error("mkdtemp failed");
     path_ = pattern;

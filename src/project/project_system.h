@@ -7,6 +7,7 @@
 #include "project/property_value.h"
 #include "project/standard_property_table.h"
 #include "support/file_time.h"
+#include "support/short_name_set.h"
 
 #include <cstdint>
 #include <deque>
@@ -119,7 +120,7 @@ public:
     // False for every name that addToolMacros never adds, so that expanding
     // other names needn't make the tool macros. One set for the whole class
     // chain: this is asked for nearly every macro of every file.
-    bool mayBeToolMacro(std::string_view name) const { return toolMacroNames_.count(name) != 0; }
+    bool mayBeToolMacro(std::string_view name) const { return toolMacroNames_.contains(name); }
     // True while addToolMacros runs: the properties it expands see no tool
     // macros of their own.
     bool fillingToolMacros = false;
@@ -490,11 +491,12 @@ protected:
     // Names that addToolMacros may add; each toolchain class adds its own.
     // They must live as long as the system (string literals).
     void addToolMacroNames(std::span<const std::string_view> names) {
-        toolMacroNames_.insert(names.begin(), names.end());
+        for (std::string_view name : names)
+            toolMacroNames_.insert(name);
     }
 
 private:
-    std::unordered_set<std::string_view> toolMacroNames_;
+    ShortNameSet toolMacroNames_;
     void expandTemplatedProjects(TemplateNotFoundErrorHandler *templateHandler,
                                  ProjectLoadProgressInterface *progress);
     void propertyChanged(ProjectElement *element, ProjectElement *store, PropertyClass *property,
@@ -516,13 +518,16 @@ private:
     // asks of a file are stored nowhere, and have their default without a
     // walk up the tree.
     struct StoredProperties {
-        const ProjectElement *root = nullptr;  // the tree the names are of
+        const ProjectElement *root = nullptr;     // the tree the names are of
+        const ProjectElement *element = nullptr;  // last asked about, in root
         std::unordered_set<std::string> names;
-        std::unordered_map<const PropertyClass *, bool> answers;
+        std::uint64_t generation = 0;  // of names, unique in the process
     };
     // False if no store of the element's tree holds the property; true
     // when it may be held, and always while the cache is off.
     bool mayBeStored(ProjectElement *element, const PropertyClass *property);
+    // Collects the names that the stores of the tree hold.
+    void storedNamesOf(ProjectElement *root);
 
     bool readStore(ProjectElement *element, const std::string &name, PropertyClass *property,
                    std::optional<std::string> &acc, PropertyTrace *trace);

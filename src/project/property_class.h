@@ -120,6 +120,16 @@ public:
     static std::string normalisedGroup(std::string group);
     static std::string normalisedPage(std::string page);
 
+    // The project system's note of whether a store of the tree it looked at
+    // last holds this property's name: good while its generation is that
+    // of the system's list of stored names. Asked for most property reads
+    // of a build, so it lives here rather than in a map.
+    struct StoredNote {
+        std::uint64_t generation = 0;
+        bool held = true;
+    };
+    mutable StoredNote storedNote;
+
 protected:
     // An empty class for readDefinition and subclasses that fill it in.
     PropertyClass() = default;

@@ -10,7 +10,9 @@ PropertyClass *PropertyClassMap::addPropertyClass(PropertyClass *property)
         return nullptr;
     if (report_)
         report_("PropertyClass Multiple Definition", {property->name()});
-    return std::exchange(entry->second, property);
+    PropertyClass *replaced = entry->second;
+    rename(entry, property);
+    return replaced;
 }
 
 void PropertyClassMap::removePropertyClass(PropertyClass *property, PropertyClass *restore)
@@ -19,9 +21,29 @@ void PropertyClassMap::removePropertyClass(PropertyClass *property, PropertyClas
     if (entry == classes_.end() || entry->second != property)
         return;
     if (restore)
-        entry->second = restore;
+        rename(entry, restore);
     else
         classes_.erase(entry);
+}
+
+// The key views the name of the class that the entry holds.
+void PropertyClassMap::rename(Classes::iterator entry, PropertyClass *property)
+{
+    auto node = classes_.extract(entry);
+    node.key() = property->name();
+    node.mapped() = property;
+    classes_.insert(std::move(node));
+}
+
+std::vector<PropertyClass *> PropertyClassMap::inNameOrder() const
+{
+    std::vector<PropertyClass *> list;
+    list.reserve(classes_.size());
+    for (const auto &[name, property] : classes_)
+        list.push_back(property);
+    std::sort(list.begin(), list.end(),
+              [](const PropertyClass *a, const PropertyClass *b) { return a->name() < b->name(); });
+    return list;
 }
 
 PropertyClass *PropertyClassMap::propertyClass(std::string_view name) const

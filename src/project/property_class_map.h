@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 // The property classes that a project system knows, by save name, and the
@@ -13,7 +14,6 @@
 // do, and a class that another one replaces by name stays alive there.
 class PropertyClassMap {
 public:
-    using Map = std::map<std::string, PropertyClass *, std::less<>>;
     // Told when a name gets a second, different class: the title and the list
     // of names, as an observer's error report takes them.
     using MultipleDefinitionReport =
@@ -38,13 +38,17 @@ public:
 
     void setMultipleDefinitionReport(MultipleDefinitionReport report) { report_ = std::move(report); }
 
-    // In name order.
-    Map::const_iterator begin() const { return classes_.begin(); }
-    Map::const_iterator end() const { return classes_.end(); }
+    // Every class entered, in name order.
+    std::vector<PropertyClass *> inNameOrder() const;
     std::size_t size() const { return classes_.size(); }
 
 private:
-    Map classes_;
+    // Keyed by the entered class's own name: a toolchain enters hundreds of
+    // classes at start-up, and a copy of each name would cost more than the
+    // look-ups that follow.
+    using Classes = std::unordered_map<std::string_view, PropertyClass *>;
+    Classes classes_;
+    void rename(Classes::iterator entry, PropertyClass *property);
     std::map<int, std::vector<PropertyClass *>> toolProperties_;
     MultipleDefinitionReport report_;
 };

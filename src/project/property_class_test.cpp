@@ -122,7 +122,7 @@ TEST(PropertyClassMap, SameNameRulesLookUpAndToolLists) {
     map.addPropertyClass(&a);
     EXPECT_EQ(map.propertyClass("name"), nullptr);
     Strings order;
-    for (const auto &[name, property] : map)
+    for (const PropertyClass *property : map.inNameOrder())
         order.push_back(property->name());
     EXPECT_EQ(order, (Strings{"Name", "a_name", "x"}));
     // Tool lists don't register a class by name.

@@ -36,25 +36,37 @@ bool ProjectSystem::readStore(ProjectElement *element, const std::string &name,
 bool ProjectSystem::mayBeStored(ProjectElement *element, const PropertyClass *property) {
     if (!macroCache_.enabled || !element)
         return true;
-    ProjectElement *root = element;
-    while (ProjectElement *up = parent(root))
-        root = up;
     StoredProperties &stored = storedProperties_;
-    if (stored.root != root) {
-        stored.names.clear();
-        stored.answers.clear();
-        for (XMLNode *node = root; node; node = nextInSubtree(node, root, true))
-            if (const ProjectElement *e = ProjectElement::from(node))
-                for (const auto &[name, store] : e->configurations)
-                    if (store)
-                        for (const auto &[attribute, value] : store->attributes())
-                            stored.names.insert(attribute);
-        stored.root = root;
+    // A file's properties are asked one after the other: its tree is known
+    // until the tree changes, which drops the root.
+    if (element != stored.element || !stored.root) {
+        ProjectElement *root = element;
+        while (ProjectElement *up = parent(root))
+            root = up;
+        if (stored.root != root)
+            storedNamesOf(root);
+        stored.element = element;
     }
-    const auto [answer, added] = stored.answers.try_emplace(property);
-    if (added)
-        answer->second = stored.names.contains(property->name());
-    return answer->second;
+    PropertyClass::StoredNote &note = property->storedNote;
+    if (note.generation != stored.generation)
+        note = {stored.generation, stored.names.contains(property->name())};
+    return note.held;
+}
+
+void ProjectSystem::storedNamesOf(ProjectElement *root) {
+    StoredProperties &stored = storedProperties_;
+    // Property classes may be shared between systems: each list of names
+    // gets a number that no other list had.
+    static std::uint64_t generations = 0;
+    stored.names.clear();
+    stored.generation = ++generations;
+    for (XMLNode *node = root; node; node = nextInSubtree(node, root, true))
+        if (const ProjectElement *e = ProjectElement::from(node))
+            for (const auto &[name, store] : e->configurations)
+                if (store)
+                    for (const auto &[attribute, value] : store->attributes())
+                        stored.names.insert(attribute);
+    stored.root = root;
 }
 
 // The inherited list of a configuration as seen from a solution: the first

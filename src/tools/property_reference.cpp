@@ -100,7 +100,8 @@ void add(std::vector<Entry> &list, std::string heading, std::string text, const 
 
 void collect(const ProjectSystem &system, const std::string &toolchain, Entries &properties,
              std::map<std::string, std::vector<Entry>> &macros) {
-    for (const auto &[name, property] : system.propertyClasses) {
+    for (PropertyClass *property : system.propertyClasses.inNameOrder()) {
+        const std::string &name = property->name();
         if (auto *macro = dynamic_cast<const MacroPropertyClass *>(property))
             add(macros[name], name, oneLine(macro->longText()), toolchain);
         else

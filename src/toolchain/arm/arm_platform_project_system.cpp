@@ -1,5 +1,6 @@
 #include "toolchain/arm/arm_platform_project_system.h"
 
+#include "project/tree_walk.h"
 #include "support/file_info.h"
 #include "toolchain/arm/arm_runtime_libraries.h"
 #include "toolchain/ostrand_gcc_project_system.h"
@@ -227,28 +228,26 @@ bool isDirectoryValued(const PropertyClass &property) {
 // The directory-valued properties of every node of the tree; a walk with a
 // stack of its own, as a tree may be deep.
 void ARMPlatformProjectSystem::migrateElement(ProjectElement *root) {
-    std::vector<ProjectElement *> pending{root};
-    while (!pending.empty()) {
-        ProjectElement *element = pending.back();
-        pending.pop_back();
-        if (!element)
-            continue;
-        // Setting an attribute that exists changes its value in place, so the
-        // walk needs no copy of the attributes.
-        for (const auto &[name, value] : element->attributes()) {
-            // Only a value that names the old library folder can change.
-            if (!value || value->find("tskq") == std::string::npos)
-                continue;
-            const PropertyClass *property = owner_->propertyClasses.propertyClass(name);
-            if (!property || !isDirectoryValued(*property))
-                continue;
-            std::string migrated = *value;
-            arm::migrateValue(migrated);
-            if (migrated != *value)
-                element->setAttribute(name, migrated);
+    // Only project elements are walked into, and each is asked once.
+    for (XMLNode *node = root; node;) {
+        ProjectElement *element = ProjectElement::from(node);
+        if (element) {
+            // Setting an attribute that exists changes its value in place,
+            // so the walk needs no copy of the attributes.
+            for (const auto &[name, value] : element->attributes()) {
+                // Only a value that names the old library folder can change.
+                if (!value || value->find("tskq") == std::string::npos)
+                    continue;
+                const PropertyClass *property = owner_->propertyClasses.propertyClass(name);
+                if (!property || !isDirectoryValued(*property))
+                    continue;
+                std::string migrated = *value;
+                arm::migrateValue(migrated);
+                if (migrated != *value)
+                    element->setAttribute(name, migrated);
+            }
         }
-        for (XMLNode *child = element->firstChild; child; child = child->nextSibling)
-            pending.push_back(ProjectElement::from(child));
+        node = nextInSubtree(node, root, element != nullptr);
     }
 }
 

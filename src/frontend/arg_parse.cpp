@@ -84,9 +84,7 @@ void ArgParse::unrecognisedOption(const std::string &text) {
 
 std::ostream &ArgParse::errorStream() { return log_->errorStream(); }
 
-void ArgParse::reportError(const std::string &text) {
-    errorStream() << text << '\n' << std::flush;
-}
+void ArgParse::reportError(const std::string &text) { log_->error(text); }
 
 void ArgParse::addOption(const std::string &name, const ArgOption &option) {
     options_[name] = option;

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -117,6 +118,15 @@ TEST(PropertyClassMap, SameNameRulesLookUpAndToolLists) {
     EXPECT_EQ(map.propertyClass("x"), &second);
     map.removePropertyClass(&second, &first);
     EXPECT_EQ(map.propertyClass("x"), &first);
+    // An entry goes by the name of the class it holds, so a class that was
+    // replaced may go (the sanitizer build sees a name that went with it).
+    auto replaced = std::make_unique<PropertyClass>(make("a long name beyond the short string"));
+    PropertyClass replacing = make("a long name beyond the short string");
+    map.addPropertyClass(replaced.get());
+    map.addPropertyClass(&replacing);
+    replaced.reset();
+    EXPECT_EQ(map.propertyClass("a long name beyond the short string"), &replacing);
+    map.removePropertyClass(&replacing);
     // Look-up is exact; iteration is in name order.
     map.addPropertyClass(&upper);
     map.addPropertyClass(&a);

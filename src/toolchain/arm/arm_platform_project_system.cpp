@@ -225,10 +225,9 @@ bool isDirectoryValued(const PropertyClass &property) {
 
 }  // namespace
 
-// The directory-valued properties of every node of the tree; a walk with a
-// stack of its own, as a tree may be deep.
+// The directory-valued properties of every node of the tree; a walk without
+// a stack, as a tree may be deep. Only project elements are walked into.
 void ARMPlatformProjectSystem::migrateElement(ProjectElement *root) {
-    // Only project elements are walked into, and each is asked once.
     for (XMLNode *node = root; node;) {
         ProjectElement *element = ProjectElement::from(node);
         if (element) {

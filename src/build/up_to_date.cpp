@@ -104,7 +104,7 @@ bool StandardProjectSystem::propertiesChanged(ProjectElement *element,
     if (const PropertyUndoRecord *change =
             changeSince(element, configuration, propertyClasses.toolProperties(kind), targetTime)) {
         if (!quiet && builder)
-            builder->reportMessage(change->property->shortText() + " property has changed.");
+            builder->reportMessage(std::string(change->property->shortText()) + " property has changed.");
         return false;
     }
 

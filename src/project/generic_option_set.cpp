@@ -80,7 +80,7 @@ GenericOptionSet::GenericOptionSet(XMLElement &root)
             std::string_view word = words.substr(start, end - start);
             for (const ToolWord &known : toolWords) {
                 if (known.word == word) {
-                    property->setPage(known.page);
+                    property->setPage(std::string(known.page));
                     tools_[known.tool].push_back(property.get());
                 }
             }

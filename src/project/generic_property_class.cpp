@@ -90,7 +90,7 @@ GenericPropertyClass::GenericPropertyClass(const XMLElement &element)
 
     if (const std::string *variant = element.attribute("variant")) {
         variant_ = *variant;
-        shortText_ += " [" + variant_ + "]";
+        shortText_ = std::string(shortText_.view()) + " [" + variant_ + "]";
     }
     if (const std::string *order = element.attribute("order"))
         order_ = static_cast<std::int32_t>(std::strtol(order->c_str(), nullptr, 10));

@@ -8,7 +8,7 @@ class MacroPropertyClass : public PropertyClass {
 public:
     // systemMacro chooses the group "System Macro Values"; build macros go
     // under "(Build Macro Values)".
-    MacroPropertyClass(std::string macroName, bool systemMacro, std::string description);
+    MacroPropertyClass(std::string macroName, bool systemMacro, PropertyText description);
 
     const std::string &macroName() const { return macroName_; }
 

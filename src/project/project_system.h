@@ -366,6 +366,9 @@ public:
     std::optional<std::string> getExpandedPropertyValue(ProjectElement *element,
                                                         PropertyClass *property,
                                                         const std::string &configuration);
+    // Whether getPropertyValue gives "Yes". A property that no store of the
+    // tree holds has its default, found without a search or a copy.
+    bool isYes(ProjectElement *element, PropertyClass *property, const std::string &configuration);
     // Only the node's own store of the configuration.
     static std::optional<std::string> getOwnPropertyValue(ProjectElement *element,
                                                           PropertyClass *property,

@@ -254,7 +254,8 @@ TEST(Configurations, LoaderConfigurations) {
     struct Loader : TestProjectSystem {
         std::vector<PropertyClass *> loaderProperties() const override { return {loaderOption.get()}; }
         std::unique_ptr<PropertyClass> loaderOption = std::make_unique<PropertyClass>(
-            "loader_option", PropertyClass::String, "", "", "", "", std::nullopt);
+            "loader_option", PropertyClass::String, PropertyText(), PropertyText(), PropertyText(), PropertyText(),
+            std::nullopt);
     } system;
     system.load(configurations);
     EXPECT_EQ(system.configurationNames(system.node("P"), PS::LoaderConfigurations), (Strings{"Flash", "Loader"}));

@@ -63,8 +63,8 @@ std::optional<PropertyClass::Type> PropertyClass::definitionType(std::string_vie
     return std::nullopt;
 }
 
-PropertyClass::PropertyClass(std::string name, Type type, std::string page, std::string group,
-                             std::string shortText, std::string longText,
+PropertyClass::PropertyClass(std::string name, Type type, PropertyText page, PropertyText group,
+                             PropertyText shortText, PropertyText longText,
                              std::optional<std::string> defaultValue, std::int32_t order)
     : name_(std::move(name)), group_(std::move(group)), shortText_(std::move(shortText)),
       longText_(std::move(longText)), defaultValue_(std::move(defaultValue)),
@@ -73,8 +73,8 @@ PropertyClass::PropertyClass(std::string name, Type type, std::string page, std:
     normalise();
 }
 
-PropertyClass::PropertyClass(std::string name, std::string page, std::string group,
-                             std::string shortText, std::string longText, bool defaultValue,
+PropertyClass::PropertyClass(std::string name, PropertyText page, PropertyText group,
+                             PropertyText shortText, PropertyText longText, bool defaultValue,
                              std::int32_t order)
     : PropertyClass(std::move(name), Boolean, std::move(page), std::move(group),
                     std::move(shortText), std::move(longText),
@@ -83,8 +83,8 @@ PropertyClass::PropertyClass(std::string name, std::string page, std::string gro
 }
 
 PropertyClass::PropertyClass(std::string name, Type type, std::int32_t minimum,
-                             std::int32_t maximum, std::string page, std::string group,
-                             std::string shortText, std::string longText,
+                             std::int32_t maximum, PropertyText page, PropertyText group,
+                             PropertyText shortText, PropertyText longText,
                              std::int32_t defaultValue, std::string specialValue,
                              std::int32_t order)
     : PropertyClass(std::move(name), type, std::move(page), std::move(group),
@@ -98,9 +98,9 @@ PropertyClass::PropertyClass(std::string name, Type type, std::int32_t minimum,
     singleStep_ = 1;
 }
 
-PropertyClass::PropertyClass(std::string name, Type type, const std::vector<std::string> &values,
-                             std::string suffix, std::string page, std::string group,
-                             std::string shortText, std::string longText,
+PropertyClass::PropertyClass(std::string name, Type type, std::vector<std::string> values,
+                             std::string suffix, PropertyText page, PropertyText group,
+                             PropertyText shortText, PropertyText longText,
                              std::optional<std::string> defaultValue, std::int32_t order,
                              std::uint32_t flags)
     : PropertyClass(std::move(name), type, std::move(page), std::move(group),
@@ -108,7 +108,7 @@ PropertyClass::PropertyClass(std::string name, Type type, const std::vector<std:
 {
     suffix_ = std::move(suffix);
     flags_ = flags;
-    setValues(values);
+    setValues(std::move(values));
 }
 
 PropertyClass PropertyClass::readDefinition(const XMLElement &element)
@@ -143,12 +143,12 @@ void PropertyClass::readDefinitionFields(const XMLElement &element)
         order_ = static_cast<std::int32_t>(std::strtol(value->c_str(), nullptr, 0));
 }
 
-void PropertyClass::setValues(const std::vector<std::string> &values)
+void PropertyClass::setValues(std::vector<std::string> values)
 {
     values_.clear();
     displayValues_.clear();
     if (values.empty() || values.front().find("~~") == std::string::npos) {
-        values_ = values;
+        values_ = std::move(values);
         return;
     }
     for (const std::string &item : values) {
@@ -172,7 +172,7 @@ std::vector<std::string> PropertyClass::choices() const
 
 std::string PropertyClass::searchText() const
 {
-    std::string text = shortText_ + ' ' + longText();
+    std::string text = std::string(shortText_.view()) + ' ' + longText();
     if (!values_.empty()) {
         for (const std::string &value : values_)
             text += ' ' + value;
@@ -182,25 +182,22 @@ std::string PropertyClass::searchText() const
     return text;
 }
 
-void PropertyClass::setPage(std::string page)
+void PropertyClass::setPage(PropertyText page)
 {
-    page_ = normalisedPage(std::move(page));
+    page_ = page.keeping(normalisedPage(page));
 }
 
-void PropertyClass::setGroup(std::string group)
+void PropertyClass::setGroup(PropertyText group)
 {
-    group_ = normalisedGroup(std::move(group));
+    group_ = group.keeping(normalisedGroup(group));
 }
 
-std::string PropertyClass::normalisedGroup(std::string group)
+std::string_view PropertyClass::normalisedGroup(std::string_view group)
 {
-    std::size_t cut = std::min(group.find(" Options"), group.find(" Settings"));
-    if (cut != std::string::npos)
-        group.erase(cut);
-    return group;
+    return group.substr(0, std::min(group.find(" Options"), group.find(" Settings")));
 }
 
-std::string PropertyClass::normalisedPage(std::string page)
+std::string_view PropertyClass::normalisedPage(std::string_view page)
 {
     if (page == "General" || page == "C/C++" || page == "Linker")
         return "Code";
@@ -211,8 +208,8 @@ std::string PropertyClass::normalisedPage(std::string page)
 
 void PropertyClass::normalise()
 {
-    group_ = normalisedGroup(std::move(group_));
-    page_ = normalisedPage(std::move(page_));
+    group_ = group_.keeping(normalisedGroup(group_));
+    page_ = page_.keeping(normalisedPage(page_));
     if (type_ == Boolean && !defaultValue_)
         defaultValue_ = "No";
 }

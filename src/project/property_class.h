@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "project/property_text.h"
+
 class XMLElement;
 
 // The definition of one property: its save name, where and how a property
@@ -42,23 +44,23 @@ public:
     static std::optional<Type> definitionType(std::string_view word);
 
     // Text form.
-    PropertyClass(std::string name, Type type, std::string page, std::string group,
-                  std::string shortText, std::string longText,
+    PropertyClass(std::string name, Type type, PropertyText page, PropertyText group,
+                  PropertyText shortText, PropertyText longText,
                   std::optional<std::string> defaultValue, std::int32_t order = 0);
     // Boolean form: the default is stored as "Yes" or "No".
-    PropertyClass(std::string name, std::string page, std::string group,
-                  std::string shortText, std::string longText, bool defaultValue,
+    PropertyClass(std::string name, PropertyText page, PropertyText group,
+                  PropertyText shortText, PropertyText longText, bool defaultValue,
                   std::int32_t order = 0);
     // Number form: the default is written in hexadecimal for IntegerHex and
     // in decimal otherwise.
     PropertyClass(std::string name, Type type, std::int32_t minimum, std::int32_t maximum,
-                  std::string page, std::string group, std::string shortText,
-                  std::string longText, std::int32_t defaultValue, std::string specialValue,
+                  PropertyText page, PropertyText group, PropertyText shortText,
+                  PropertyText longText, std::int32_t defaultValue, std::string specialValue,
                   std::int32_t order);
     // Enumeration form; values may be given as "value~~display" items.
-    PropertyClass(std::string name, Type type, const std::vector<std::string> &values,
-                  std::string suffix, std::string page, std::string group,
-                  std::string shortText, std::string longText,
+    PropertyClass(std::string name, Type type, std::vector<std::string> values,
+                  std::string suffix, PropertyText page, PropertyText group,
+                  PropertyText shortText, PropertyText longText,
                   std::optional<std::string> defaultValue, std::int32_t order,
                   std::uint32_t flags);
     // From a <property> element of a property definition file. The page isn't
@@ -72,7 +74,7 @@ public:
     virtual ~PropertyClass() = default;
 
     // The help text; may hold HTML.
-    virtual std::string longText() const { return longText_; }
+    virtual std::string longText() const { return std::string(longText_.view()); }
     // The allowed values: "No" and "Yes" for a Boolean without a list.
     virtual std::vector<std::string> choices() const;
 
@@ -80,14 +82,14 @@ public:
     std::string searchText() const;
 
     const std::string &name() const { return name_; }
-    const std::string &group() const { return group_; }
-    const std::string &shortText() const { return shortText_; }
+    std::string_view group() const { return group_; }
+    std::string_view shortText() const { return shortText_; }
     const std::string &suffix() const { return suffix_; }
     const std::string &attribute() const { return attribute_; }
     // Null if the property has no default.
     const std::optional<std::string> &defaultValue() const { return defaultValue_; }
     const std::string &specialValue() const { return specialValue_; }
-    const std::string &page() const { return page_; }
+    std::string_view page() const { return page_; }
     bool readOnly() const { return readOnly_; }
     bool perConfiguration() const { return perConfiguration_; }
     Type type() const { return type_; }
@@ -104,21 +106,22 @@ public:
     void setReadOnly(bool readOnly) { readOnly_ = readOnly; }
     void setPerConfiguration(bool perConfiguration) { perConfiguration_ = perConfiguration; }
     void setDefaultValue(std::optional<std::string> value) { defaultValue_ = std::move(value); }
-    void setShortText(std::string text) { shortText_ = std::move(text); }
-    void setLongText(std::string text) { longText_ = std::move(text); }
+    void setShortText(PropertyText text) { shortText_ = std::move(text); }
+    void setLongText(PropertyText text) { longText_ = std::move(text); }
     void setSpecialValue(std::string value) { specialValue_ = std::move(value); }
     void setOrder(std::int32_t order) { order_ = order; }
     void setEditable(bool editable) { editable_ = editable; }
     void setAttribute(std::string attribute) { attribute_ = std::move(attribute); }
     // Both normalise as the constructors do.
-    void setPage(std::string page);
-    void setGroup(std::string group);
+    void setPage(PropertyText page);
+    void setGroup(PropertyText group);
     // Replaces the value list, with the "value~~display" rule.
-    void setValues(const std::vector<std::string> &values);
+    void setValues(std::vector<std::string> values);
 
-    // The normalised forms of a group and a page.
-    static std::string normalisedGroup(std::string group);
-    static std::string normalisedPage(std::string page);
+    // The normalised forms of a group and a page: a part of the text given,
+    // or a literal.
+    static std::string_view normalisedGroup(std::string_view group);
+    static std::string_view normalisedPage(std::string_view page);
 
     // The project system's note of whether a store of the tree it looked at
     // last holds this property's name: good while its generation is that
@@ -134,17 +137,17 @@ protected:
     // An empty class for readDefinition and subclasses that fill it in.
     PropertyClass() = default;
     // The raw help text, for subclasses that compute their own.
-    const std::string &storedLongText() const { return longText_; }
+    std::string_view storedLongText() const { return longText_; }
 
     std::string name_;
-    std::string group_;
-    std::string shortText_;
-    std::string longText_;
+    PropertyText group_;
+    PropertyText shortText_;
+    PropertyText longText_;
     std::string suffix_;
     std::string attribute_;
     std::optional<std::string> defaultValue_;
     std::string specialValue_;
-    std::string page_;
+    PropertyText page_;
     bool readOnly_ = false;
     bool perConfiguration_ = true;
     Type type_ = Boolean;

@@ -36,7 +36,7 @@ TEST(PropertyClass, TypeWordsGroupsAndConstructionForms) {
     PropertyClass property = make("p");
     property.setPage("Linker");
     property.setGroup("Build Options");
-    EXPECT_EQ(property.page() + "|" + property.group(), "Code|Build");
+    EXPECT_EQ(std::string(property.page()) + "|" + std::string(property.group()), "Code|Build");
 
     // Numbers: hexadecimal for IntegerHex only.
     EXPECT_EQ(PropertyClass("f", PropertyClass::IntegerHex, 0, 255, "", "", "", "", 0xab, "", 2).defaultValue(),
@@ -65,7 +65,8 @@ TEST(PropertyClass, ReadDefinition) {
              long="Bytes of &lt;b&gt;stack&lt;/b&gt;" default="1024" minimum="16" maximum="65536"
              singlestep="8" specialvalue="Auto" order="0x10" page="Linker"/>)");
     // The page is the caller's to set.
-    EXPECT_EQ(p.name() + "|" + p.group() + "|" + p.shortText() + "|" + p.longText() + "|" + p.page(),
+    EXPECT_EQ(p.name() + "|" + std::string(p.group()) + "|" + std::string(p.shortText()) + "|" + p.longText() + "|" +
+                  std::string(p.page()),
               "stack|Runtime Memory|Stack|Bytes of <b>stack</b>|");
     EXPECT_EQ(p.defaultValue(), "1024");
     EXPECT_EQ((std::vector<int>{p.minimum(), p.maximum(), p.singleStep(), p.order()}),
@@ -86,7 +87,8 @@ TEST(PropertyClass, ReadDefinition) {
 
 TEST(PropertyClass, Subclasses) {
     MacroPropertyClass system("StudioDir", true, "The installation directory.");
-    EXPECT_EQ(system.name() + "|" + system.macroName() + "|" + system.page() + "|" + system.group(),
+    EXPECT_EQ(system.name() + "|" + system.macroName() + "|" + std::string(system.page()) + "|" +
+                  std::string(system.group()),
               "$(StudioDir)|StudioDir|Properties|System Macro Values");
     EXPECT_EQ(MacroPropertyClass("OutDir", false, "").group(), "(Build Macro Values)");
 

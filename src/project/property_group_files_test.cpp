@@ -79,9 +79,9 @@ TEST_F(GroupFiles, ReadsTheGroupElementAfterThePreprocessor) {
     EXPECT_EQ(board.order(), 16);
     EXPECT_EQ(board.target(), 8u);
     EXPECT_TRUE(board.appliesTo(8) && !board.appliesTo(15));
-    EXPECT_EQ(board.shortText() + "|" + board.longText(), "Target Board|Which board.");
+    EXPECT_EQ(std::string(board.shortText()) + "|" + board.longText(), "Target Board|Which board.");
     // An empty page is "General", which shows as the code page.
-    EXPECT_EQ(board.page() + "|" + board.group(), "Code|Hardware");
+    EXPECT_EQ(std::string(board.page()) + "|" + std::string(board.group()), "Code|Hardware");
     const PropertyValueGroupClass &plain = *file->groups[1];
     EXPECT_EQ(plain.page(), "Library");
     EXPECT_TRUE(plain.appliesTo(8) && plain.appliesTo(15));

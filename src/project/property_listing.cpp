@@ -357,7 +357,7 @@ PropertyValueList ProjectSystem::toolPropertyValues(ProjectElement *element,
              getPropertyValue(element, nodeProperties.propertiesFilter, configuration)
                  .value_or(std::string()),
              ";"))
-        pages.insert(PropertyClass::normalisedPage(page));
+        pages.insert(std::string(PropertyClass::normalisedPage(page)));
 
     // One line per class, in name order: the order of the set means
     // nothing, and a listing is easiest to read sorted. A copy of a row for
@@ -411,7 +411,7 @@ PropertyValueList ProjectSystem::getPropertyValues(ProjectElement *element,
         list = toolPropertyValues(element, configuration);
 
     const auto lines = [&](Names names) { addLines(*this, list, element, names, configuration); };
-    const auto filterHelp = [&](const char *text) {
+    const auto filterHelp = [&](PropertyText text) {
         if (PropertyClass *filter = propertyClasses.propertyClass("filter"))
             filter->setLongText(text);
     };

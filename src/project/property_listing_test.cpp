@@ -39,7 +39,8 @@ private:
         auto &marker = markers[hook];
         if (!marker)
             marker = std::make_unique<PropertyClass>("hook_" + hook, PropertyClass::String,
-                                                     hook == "debug" ? "Debugging" : "C/C++", "", "", "", std::nullopt);
+                                                     hook == "debug" ? PropertyText("Debugging") : PropertyText("C/C++"),
+                                                     PropertyText(), PropertyText(), PropertyText(), std::nullopt);
         list.push_back(marker.get());
     }
     std::map<std::string, std::unique_ptr<PropertyClass>> markers;

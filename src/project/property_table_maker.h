@@ -21,35 +21,41 @@ public:
     }
 
     // The page and group of the rows that follow.
-    void section(std::string page, std::string group);
+    void section(PropertyText page, PropertyText group);
 
     template <class Class = PropertyClass>
-    Class *text(std::string name, PropertyClass::Type type, std::string shortText,
-                std::string longText, std::optional<std::string> defaultValue)
+    Class *text(std::string name, PropertyClass::Type type, PropertyText shortText,
+                PropertyText longText, std::optional<std::string> defaultValue)
     {
         return keep(std::make_unique<Class>(std::move(name), type, page_, group_,
                                             std::move(shortText), std::move(longText),
                                             std::move(defaultValue)));
     }
 
-    PropertyClass *boolean(std::string name, std::string shortText, std::string longText,
+    PropertyClass *boolean(std::string name, PropertyText shortText, PropertyText longText,
                            bool defaultValue);
 
     PropertyClass *number(std::string name, PropertyClass::Type type, std::int32_t minimum,
-                          std::int32_t maximum, std::string shortText, std::string longText,
+                          std::int32_t maximum, PropertyText shortText, PropertyText longText,
                           std::int32_t defaultValue);
 
     template <class Class = PropertyClass>
-    Class *enumeration(std::string name, const std::vector<std::string> &values,
-                       std::string shortText, std::string longText,
+    Class *enumeration(std::string name, std::vector<std::string> values,
+                       PropertyText shortText, PropertyText longText,
                        std::optional<std::string> defaultValue)
     {
-        return keep(std::make_unique<Class>(std::move(name), PropertyClass::Enumeration, values,
+        return keep(std::make_unique<Class>(std::move(name), PropertyClass::Enumeration, std::move(values),
                                             std::string(), page_, group_, std::move(shortText),
                                             std::move(longText), std::move(defaultValue), 0, 0));
     }
 
-    MacroPropertyClass *buildMacro(std::string macroName, std::string description);
+    MacroPropertyClass *buildMacro(std::string macroName, PropertyText description);
+    struct MacroRow {
+        const char *name;
+        PropertyText description;
+    };
+    // Makes a build macro row for each of rows, in order, and appends it.
+    void appendBuildMacros(std::vector<MacroPropertyClass *> &list, std::initializer_list<MacroRow> rows);
 
     // Enters property in the option lists of the given build steps.
     void tools(PropertyClass *property, std::initializer_list<int> steps);
@@ -66,6 +72,6 @@ public:
 private:
     PropertyClassMap &map_;
     std::vector<std::unique_ptr<PropertyClass>> &objects_;
-    std::string page_;
-    std::string group_;
+    PropertyText page_;
+    PropertyText group_;
 };

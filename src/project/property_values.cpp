@@ -37,14 +37,18 @@ bool ProjectSystem::mayBeStored(ProjectElement *element, const PropertyClass *pr
     if (!macroCache_.enabled || !element)
         return true;
     StoredProperties &stored = storedProperties_;
-    // A file's properties are asked one after the other: its tree is known
-    // until the tree changes, which drops the root.
-    if (element != stored.element || !stored.root) {
-        ProjectElement *root = element;
-        while (ProjectElement *up = parent(root))
-            root = up;
-        if (stored.root != root)
-            storedNamesOf(root);
+    // A file's properties are asked one after the other, and its project's
+    // between them: the tree of the element asked last, of its parent and
+    // of its children is known until the tree changes, which drops the root.
+    const XMLNode *last = stored.element;
+    if (element != last || !stored.root) {
+        if (!stored.root || !last || (element->parent != last && last->parent != element)) {
+            ProjectElement *root = element;
+            while (ProjectElement *up = parent(root))
+                root = up;
+            if (stored.root != root)
+                storedNamesOf(root);
+        }
         stored.element = element;
     }
     PropertyClass::StoredNote &note = property->storedNote;
@@ -131,6 +135,17 @@ std::optional<std::string> ProjectSystem::getPropertyValue(ProjectElement *eleme
     if (trace)
         trace->push_back({property->defaultValue(), {}, nullptr});
     return property->defaultValue();
+}
+
+bool ProjectSystem::isYes(ProjectElement *element, PropertyClass *property, const std::string &configuration) {
+    if (property && !mayBeStored(element, property)) {
+        std::string value;
+        if (defaultPropertyValue(element, configuration, property, value))
+            return value == "Yes";
+        const std::optional<std::string> &byDefault = property->defaultValue();
+        return byDefault && std::string_view(*byDefault) == "Yes";
+    }
+    return getPropertyValue(element, property, configuration) == "Yes";
 }
 
 std::optional<std::string> ProjectSystem::getExpandedPropertyValue(ProjectElement *element,

@@ -204,3 +204,41 @@ TEST_F(PropertyValueLine, ListOwnsItsValuesInOrder) {
 }
 
 } // namespace
+
+// While the macro cache is on, a property that no store of the tree holds
+// has its default without a search. The answers stay those of the search
+// whichever node was asked before, and follow a value set later.
+TEST(PropertyValues, ReadsWhileTheCacheIsOnKeepTheSearchsAnswers) {
+    struct Hooked : TestProjectSystem {
+        bool defaultPropertyValue(ProjectElement *, const std::string &, PropertyClass *property,
+                                  std::string &value) override {
+            if (property->name() != "hooked")
+                return false;
+            value = "Yes";
+            return true;
+        }
+    } system;
+    system.load(R"(<solution Name="S"><project Name="P"><configuration Name="Common" s="No" />
+    <file file_name="a.c"><configuration Name="Debug" s="Yes" /></file><file file_name="b.c" /></project>
+  <project Name="Q"><file file_name="c.c" /></project></solution>)");
+    system.setMacroCacheEnabled(true);
+    PropertyClass stored = textProperty("s", PropertyClass::Boolean, "No");
+    PropertyClass yes = textProperty("y", PropertyClass::Boolean, "Yes");
+    PropertyClass no = textProperty("n", PropertyClass::Boolean, "No");
+    PropertyClass hooked = textProperty("hooked", PropertyClass::Boolean, "No");
+    ProjectElement *a = system.file("a.c"), *b = system.file("b.c"), *c = system.file("c.c");
+    const std::pair<ProjectElement *, const char *> asked[] = {
+        {system.node("P"), "No"}, {a, "Yes"}, {system.node("P"), "No"}, {b, "No"}, {c, "No"}, {a, "Yes"}};
+    for (const auto &[node, value] : asked) {
+        EXPECT_EQ(system.getPropertyValue(node, &stored, "Debug"), value);
+        EXPECT_EQ(system.isYes(node, &stored, "Debug"), std::string(value) == "Yes");
+        EXPECT_TRUE(system.isYes(node, &yes, "Debug"));
+        EXPECT_FALSE(system.isYes(node, &no, "Debug"));
+        EXPECT_TRUE(system.isYes(node, &hooked, "Debug"));
+    }
+    system.setPropertyValue(c, &yes, "Debug", "No");
+    system.setPropertyValue(b, &no, "Debug", "Yes");
+    EXPECT_FALSE(system.isYes(c, &yes, "Debug"));
+    EXPECT_TRUE(system.isYes(b, &no, "Debug"));
+    EXPECT_FALSE(system.isYes(a, &no, "Debug"));
+}

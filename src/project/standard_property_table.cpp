@@ -271,38 +271,37 @@ NodeProperties::NodeProperties(PropertyClassMap &map)
     filter = m.keep(std::make_unique<FilterPropertyClass>());
     buildOutputFileName = m.keep(std::make_unique<BuildOutputFileNamePropertyClass>());
 
-    for (const auto &[macro, description] : std::initializer_list<std::pair<const char *, const char *>>{
-             {"Configuration", "The name of the configuration being built."},
-             {"ConfigurationHash", "A hash of the configuration name, in hexadecimal."},
-             {"EXE", "The file extension of an executable."},
-             {"FolderName", "The name of the enclosing folder."},
-             {"FolderPath", "The names of the enclosing folders, joined by '/'."},
-             {"InputDir", "The absolute directory of the input file."},
-             {"InputExt", "The extension of the input file, without the dot."},
-             {"InputFileName", "The file name of the input file, with its extension."},
-             {"InputName", "The file name of the input file, without its extension."},
-             {"InputPath", "The absolute path of the input file."},
-             {"InputPathHash", "A hash of the input file's absolute path, in hexadecimal."},
-             {"IntDir", "The intermediate directory."},
-             {"LIB", "The file extension of a library."},
-             {"OBJ", "The file extension of an object file."},
-             {"OutDir", "The output directory."},
-             {"PackageExt", "The file extension of a package."},
-             {"ProjectDir", "The absolute directory of the project."},
-             {"ProjectName", "The name of the project."},
-             {"ProjectNodeName", "The name of the node being built."},
-             {"RootOutDir", "The root output directory."},
-             {"RootRelativeOutDir", "The output directory relative to the root output directory."},
-             {"RelInputPath", "The path of the input file as stored in the project."},
-             {"RelInputDir", "The directory of the input file as stored in the project."},
-             {"SolutionDir", "The absolute directory of the solution file."},
-             {"SolutionExt", "The extension of the solution file, without the dot."},
-             {"SolutionFileName", "The file name of the solution file."},
-             {"SolutionName", "The name of the solution file, without its extension."},
-             {"SolutionPath", "The absolute path of the solution file."},
-             {"ToolChainDir", "The directory of the tools."},
-         })
-        buildMacros.push_back(m.buildMacro(macro, description));
+    m.appendBuildMacros(buildMacros, {
+        {"Configuration", "The name of the configuration being built."},
+        {"ConfigurationHash", "A hash of the configuration name, in hexadecimal."},
+        {"EXE", "The file extension of an executable."},
+        {"FolderName", "The name of the enclosing folder."},
+        {"FolderPath", "The names of the enclosing folders, joined by '/'."},
+        {"InputDir", "The absolute directory of the input file."},
+        {"InputExt", "The extension of the input file, without the dot."},
+        {"InputFileName", "The file name of the input file, with its extension."},
+        {"InputName", "The file name of the input file, without its extension."},
+        {"InputPath", "The absolute path of the input file."},
+        {"InputPathHash", "A hash of the input file's absolute path, in hexadecimal."},
+        {"IntDir", "The intermediate directory."},
+        {"LIB", "The file extension of a library."},
+        {"OBJ", "The file extension of an object file."},
+        {"OutDir", "The output directory."},
+        {"PackageExt", "The file extension of a package."},
+        {"ProjectDir", "The absolute directory of the project."},
+        {"ProjectName", "The name of the project."},
+        {"ProjectNodeName", "The name of the node being built."},
+        {"RootOutDir", "The root output directory."},
+        {"RootRelativeOutDir", "The output directory relative to the root output directory."},
+        {"RelInputPath", "The path of the input file as stored in the project."},
+        {"RelInputDir", "The directory of the input file as stored in the project."},
+        {"SolutionDir", "The absolute directory of the solution file."},
+        {"SolutionExt", "The extension of the solution file, without the dot."},
+        {"SolutionFileName", "The file name of the solution file."},
+        {"SolutionName", "The name of the solution file, without its extension."},
+        {"SolutionPath", "The absolute path of the solution file."},
+        {"ToolChainDir", "The directory of the tools."},
+    });
 }
 
 void NodeProperties::setProjectTypes(const std::vector<std::string> &types)
@@ -868,43 +867,42 @@ ToolProperties::ToolProperties(PropertyClassMap &map)
     m.tools(analyzeCommandCppOptions, {cppStep});
 
     // Both the pre-link and the post-link command see $(PostLinkOutputFilePath).
-    for (const auto &[macro, description] : std::initializer_list<std::pair<const char *, const char *>>{
-             {"CombiningOutputFilePath", "The file that a combine command makes."},
-             {"CombiningRelInputPaths", "The inputs of a combine command, quoted, relative to "
+    m.appendBuildMacros(commandMacros, {
+        {"CombiningOutputFilePath", "The file that a combine command makes."},
+        {"CombiningRelInputPaths", "The inputs of a combine command, quoted, relative to "
                                         "its working directory."},
-             {"StageOutputFilePath", "The file that a stage command makes."},
-             {"TargetPath", "The absolute path of the file that the step makes."},
-             {"RelTargetPath", "The path of the file that the step makes, relative to the "
+        {"StageOutputFilePath", "The file that a stage command makes."},
+        {"TargetPath", "The absolute path of the file that the step makes."},
+        {"RelTargetPath", "The path of the file that the step makes, relative to the "
                                "project directory."},
-             {"PostLinkOutputFilePath", "The file that the pre-link command writes."},
-             {"PostLinkOutputFilePath", "The file that the post-link command writes."},
-             {"MapPath", "The absolute path of the map file."},
-             {"RelMapPath", "The path of the map file, relative to the project directory."},
-             {"DependencyPath", "The absolute path of the dependency file."},
-             {"RelDependencyPath", "The path of the dependency file, relative to the project "
+        {"PostLinkOutputFilePath", "The file that the pre-link command writes."},
+        {"PostLinkOutputFilePath", "The file that the post-link command writes."},
+        {"MapPath", "The absolute path of the map file."},
+        {"RelMapPath", "The path of the map file, relative to the project directory."},
+        {"DependencyPath", "The absolute path of the dependency file."},
+        {"RelDependencyPath", "The path of the dependency file, relative to the project "
                                    "directory."},
-             {"Defines", "The preprocessor definitions as compiler options."},
-             {"Includes", "The include directories as compiler options."},
-             {"IncludeFiles", "The forced include files as compiler options."},
-             {"MacroFiles", "The macro files as compiler options."},
-             {"Undefines", "The preprocessor undefinitions as compiler options."},
-             {"Objects", "The object files of the link, quoted."},
-             {"ObjectsFilePath", "The absolute path of the objects file."},
-             {"RelObjectsFilePath", "The path of the objects file, relative to the project "
+        {"Defines", "The preprocessor definitions as compiler options."},
+        {"Includes", "The include directories as compiler options."},
+        {"IncludeFiles", "The forced include files as compiler options."},
+        {"MacroFiles", "The macro files as compiler options."},
+        {"Undefines", "The preprocessor undefinitions as compiler options."},
+        {"Objects", "The object files of the link, quoted."},
+        {"ObjectsFilePath", "The absolute path of the objects file."},
+        {"RelObjectsFilePath", "The path of the objects file, relative to the project "
                                     "directory."},
-             {"LinkerScriptPath", "The absolute path of the linker script."},
-             {"RelLinkerScriptPath", "The path of the linker script, relative to the project "
+        {"LinkerScriptPath", "The absolute path of the linker script."},
+        {"RelLinkerScriptPath", "The path of the linker script, relative to the project "
                                      "directory."},
-             {"AsmOptions", "The assembler options."},
-             {"COptions", "The options of the C and C++ compilers."},
-             {"COnlyOptions", "The options of the C compiler only."},
-             {"CppOnlyOptions", "The options of the C++ compiler only."},
-             {"LinkOptions", "The linker options."},
-             {"CLANGTIDY", "The path to the clang-tidy command."},
-             {"MemorySegments", "The memory segments of the target."},
-             {"CC", "The path to the C compiler driver."},
-             {"CCPP", "The path to the C++ compiler driver."},
-             {"LinkLibraries", "The libraries and library directories of the link."},
-         })
-        commandMacros.push_back(m.buildMacro(macro, description));
+        {"AsmOptions", "The assembler options."},
+        {"COptions", "The options of the C and C++ compilers."},
+        {"COnlyOptions", "The options of the C compiler only."},
+        {"CppOnlyOptions", "The options of the C++ compiler only."},
+        {"LinkOptions", "The linker options."},
+        {"CLANGTIDY", "The path to the clang-tidy command."},
+        {"MemorySegments", "The memory segments of the target."},
+        {"CC", "The path to the C compiler driver."},
+        {"CCPP", "The path to the C++ compiler driver."},
+        {"LinkLibraries", "The libraries and library directories of the link."},
+    });
 }

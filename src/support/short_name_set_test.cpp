@@ -11,8 +11,9 @@ TEST(ShortNameSet, AnswersByTheWholeNameWhateverItsLength) {
                                   "ArchitectureNames"})
         EXPECT_TRUE(set.contains(name)) << name;
     // Same length, same first letter, a prefix, a longer name in the shared
-    // last slot, another case, and nothing.
+    // last slot, another case, a first letter that shares the bit of 'A',
+    // and nothing.
     for (std::string_view name : {"AX", "A", "GCCVersioN", "CC1", "ArchitectureNamesX", "ArchitectureNameZ",
-                                  "ar", ""})
+                                  "ar", "\x01R", "\xc1R", ""})
         EXPECT_FALSE(set.contains(name)) << name;
 }

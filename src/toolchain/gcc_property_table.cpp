@@ -217,19 +217,18 @@ GCCProperties::GCCProperties(PropertyClassMap &map, const GCCTableFlags &flags) 
     clangGccToolchain = m.text("clang_gcc_toolchain", T::DirPath, "GCC Toolchain [clang]",
                                "The GNU toolchain whose headers and libraries clang uses.", none);
 
-    for (const auto &[macro, description] : std::vector<std::pair<std::string, std::string>>{
-             {"GCCPrefix", "The prefix of the GNU tools' names."},
-             {"GCCTarget", "The target triple of the GNU tools."},
-             {"GCCVersion", "The version of the GNU tools."},
-             {"AR", "The path to the binutils ar command."},
-             {"GCC", "The path to the gcc command."},
-             {"GPLUSPLUS", "The path to the g++ command."},
-             {"OBJCOPY", "The path to the binutils objcopy command."},
-             {"OBJDUMP", "The path to the binutils objdump command."},
-             {"RANLIB", "The path to the binutils ranlib command."},
-             {"STRIP", "The path to the binutils strip command."},
-         })
-        macros.push_back(m.buildMacro(macro, description));
+    m.appendBuildMacros(macros, {
+        {"GCCPrefix", "The prefix of the GNU tools' names."},
+        {"GCCTarget", "The target triple of the GNU tools."},
+        {"GCCVersion", "The version of the GNU tools."},
+        {"AR", "The path to the binutils ar command."},
+        {"GCC", "The path to the gcc command."},
+        {"GPLUSPLUS", "The path to the g++ command."},
+        {"OBJCOPY", "The path to the binutils objcopy command."},
+        {"OBJDUMP", "The path to the binutils objdump command."},
+        {"RANLIB", "The path to the binutils ranlib command."},
+        {"STRIP", "The path to the binutils strip command."},
+    });
 
     // The option that each value stands for, as the driver's command lists
     // give it.

@@ -19,7 +19,7 @@ std::string OstrandGCCProjectSystem::outputFilePath(int step, ProjectElement *el
     if (isFile(element) && precompiledHeaderOf(element, configuration) == element)
         return sourcePath(element, configuration) + (clang() ? ".pch" : ".gch");
     // clang's objects are bitcode for the link-time optimizer.
-    if (getPropertyValue(element, gccProperties.linkTimeOptimization, configuration) == "Yes" && clang() &&
+    if (isYes(element, gccProperties.linkTimeOptimization, configuration) && clang() &&
         fileTypeName(element, configuration) != "Preprocess")
         return absolutePathFrom(projectDirectory(element, configuration),
                                 expandedValue(element, nodeProperties.buildObjectFileName, configuration,

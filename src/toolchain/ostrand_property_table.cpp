@@ -27,7 +27,7 @@ const std::vector<std::string> sectionAlignments = {"None", "1",  "2",   "4",   
 
 // A number row that has no default: nothing is passed unless a value is set.
 PropertyClass *numberWithoutDefault(PropertyTableMaker &m, std::string name, T type, std::int32_t minimum,
-                                    std::int32_t maximum, std::string title, std::string help) {
+                                    std::int32_t maximum, PropertyText title, PropertyText help) {
     PropertyClass *property = m.number(std::move(name), type, minimum, maximum, std::move(title), std::move(help), 0);
     property->setDefaultValue(std::nullopt);
     return property;
@@ -212,22 +212,21 @@ OstProperties::OstProperties(PropertyClassMap &map) {
                                      "Align " + group + " Section [brenlow-ld]", "The alignment of the " + group + " section in bytes.", "None");
     }
 
-    for (const auto &[macro, description] : std::vector<std::pair<std::string, std::string>>{
-             {"LibExt", "The architecture and build specific library extension."},
-             {"LibArch", "The library architecture."},
-             {"LibEndianExt", "The endian specific library extension."},
-             {"AS", "The path to the binutils as command."},
-             {"CC1", "The path to the gcc cc1 command."},
-             {"CLANG", "The path to the clang command."},
-             {"CC1PLUS", "The path to the gcc cc1plus command."},
-             {"LD", "The path to the binutils ld command."},
-             {"LIBLTO", "The path to the LTO dll."},
-             {"LTO1", "The path to the gcc lto1 command."},
-             {"BASM", "The path to the Brenlow assembler."},
-             {"BCC", "The path to the Brenlow compiler."},
-             {"BLINK", "The path to the Brenlow linker."},
-         })
-        macros.push_back(m.buildMacro(macro, description));
+    m.appendBuildMacros(macros, {
+        {"LibExt", "The architecture and build specific library extension."},
+        {"LibArch", "The library architecture."},
+        {"LibEndianExt", "The endian specific library extension."},
+        {"AS", "The path to the binutils as command."},
+        {"CC1", "The path to the gcc cc1 command."},
+        {"CLANG", "The path to the clang command."},
+        {"CC1PLUS", "The path to the gcc cc1plus command."},
+        {"LD", "The path to the binutils ld command."},
+        {"LIBLTO", "The path to the LTO dll."},
+        {"LTO1", "The path to the gcc lto1 command."},
+        {"BASM", "The path to the Brenlow assembler."},
+        {"BCC", "The path to the Brenlow compiler."},
+        {"BLINK", "The path to the Brenlow linker."},
+    });
 
     // The driver form passes the Brenlow tools' option for this value.
     compilerVariant->addOption("-brenlow", "Brenlow");

@@ -63,7 +63,7 @@ std::string cell(const std::string &text) {
 
 std::string describe(const PropertyClass &property) {
     std::ostringstream out;
-    out << "*" << oneLine(property.shortText()) << "*. Type " << property.typeWord(property.type());
+    out << "*" << oneLine(std::string(property.shortText())) << "*. Type " << property.typeWord(property.type());
     if (property.maximum() > property.minimum())
         out << " (" << property.minimum() << " to " << property.maximum() << ")";
     out << ", default ";
@@ -105,7 +105,7 @@ void collect(const ProjectSystem &system, const std::string &toolchain, Entries 
         if (auto *macro = dynamic_cast<const MacroPropertyClass *>(property))
             add(macros[name], name, oneLine(macro->longText()), toolchain);
         else
-            add(properties[property->page() + ": " + property->group()][name], name,
+            add(properties[std::string(property->page()) + ": " + std::string(property->group())][name], name,
                 describe(*property), toolchain);
     }
 }

@@ -234,8 +234,11 @@ void ARMPlatformProjectSystem::migrateElement(ProjectElement *root) {
             // Setting an attribute that exists changes its value in place,
             // so the walk needs no copy of the attributes.
             for (const auto &[name, value] : element->attributes()) {
-                // Only a value that names the old library folder can change.
-                if (!value || value->find("tskq") == std::string::npos)
+                // Only a value that names the old library folder can change:
+                // it holds "$(StudioDir)/tskq" at least. Most values, file
+                // names among them, are shorter.
+                constexpr std::size_t shortest = std::string_view("$(StudioDir)/tskq").size();
+                if (!value || value->size() < shortest || value->find("/tskq") == std::string::npos)
                     continue;
                 const PropertyClass *property = owner_->propertyClasses.propertyClass(name);
                 if (!property || !isDirectoryValued(*property))

@@ -73,11 +73,14 @@ TEST(ArmProjectSystem, TheLinkerSymbolsAndDriverOptionsOfALink) {
 }
 
 TEST(ArmProjectSystem, OldLibraryPathsAreRewrittenWhenASolutionLoads) {
-    Arm arm("c_user_include_directories=\"$(StudioDir)/tskq/include\" c_preprocessor_definitions=\"$(StudioDir)/tskq\"");
+    // The shortest value that changes is the old folder itself.
+    Arm arm("c_user_include_directories=\"$(StudioDir)/tskq/include\" c_preprocessor_definitions=\"$(StudioDir)/tskq\" "
+            "build_toolchain_directory=\"$(StudioDir)/tskq\"");
     auto value = [&](const char *name) {
         return arm.system.getPropertyValue(arm.source, arm.system.propertyClasses.propertyClass(name), "Debug");
     };
     EXPECT_EQ(value("c_user_include_directories"), "$(PackagesDir)/libraries/libtskq/include");
+    EXPECT_EQ(value("build_toolchain_directory"), "$(PackagesDir)/libraries/libtskq");
     EXPECT_EQ(value("c_preprocessor_definitions"), "$(StudioDir)/tskq");
 }
 

@@ -24,22 +24,22 @@ const std::vector<std::string> architectures = {"v4T",  "v5TE", "v6",  "v6M",   
 // A number shown with its unit behind it, such as "bytes".
 class NumberWithUnit : public PropertyClass {
 public:
-    NumberWithUnit(PropertyClass number, std::string unit) : PropertyClass(std::move(number)) {
-        suffix_ = std::move(unit);
+    NumberWithUnit(PropertyClass number, const char *unit) : PropertyClass(std::move(number)) {
+        suffix_ = unit;
     }
 };
 
 // Makes number rows with a unit in the maker's owner list and map.
 struct UnitRows {
     PropertyTableMaker &m;
-    std::string page, group;
+    PropertyText page, group;
 
-    PropertyClass *row(std::string name, std::int32_t minimum, std::int32_t maximum, std::string unit,
-                       std::string title, std::string help, std::int32_t defaultValue) {
+    PropertyClass *row(std::string name, std::int32_t minimum, std::int32_t maximum, const char *unit,
+                       PropertyText title, PropertyText help, std::int32_t defaultValue) {
         return m.keep(std::make_unique<NumberWithUnit>(
             PropertyClass(std::move(name), T::IntegerRange, minimum, maximum, page, group, std::move(title),
                           std::move(help), defaultValue, std::string(), 0),
-            std::move(unit)));
+            unit));
     }
 };
 
@@ -53,7 +53,7 @@ struct TargetConnectionTable {
     TargetConnectionTable() {
         PropertyTableMaker m(map, objects);
         const std::optional<std::string> none;
-        const auto script = [&](const char *name, const char *title, const char *help,
+        const auto script = [&](const char *name, PropertyText title, PropertyText help,
                                 std::optional<std::string> defaultValue = std::nullopt) {
             return m.text(name, T::JavaScript, title, help, std::move(defaultValue));
         };
@@ -140,8 +140,9 @@ struct TargetConnectionTable {
 }  // namespace
 
 const std::vector<PropertyClass *> &targetConnectionProperties() {
-    static const TargetConnectionTable table;
-    return table.rows;
+    // Never destroyed: the end of the process frees it.
+    static const TargetConnectionTable *const table = new TargetConnectionTable;
+    return table->rows;
 }
 
 ARMProperties::ARMProperties(PropertyClassMap &map) {
@@ -309,36 +310,38 @@ ARMProperties::ARMProperties(PropertyClassMap &map) {
                                             "A previous import library that the new one must stay compatible with.",
                                             none);
 
-    for (const auto &[macro, description] : std::vector<std::pair<std::string, std::string>>{
-             {"CoreType", "The lower case value of the <b>ARM Core Type</b> project property."},
-             {"Arch", "The lower case value of the <b>ARM Architecture</b> project property."},
-             {"Arch2", "Alternative value of the <b>ARM Architecture</b> project property."},
-             {"Endian", "The lower case value of the <b>Byte Order</b> project property."},
-             {"FPU", "The lower case value of the <b>ARM FPU Type</b> project property."},
-             {"FPU2", "Alternative value of the <b>ARM FPU Type</b> project property."},
-             {"FPU3", "Alternative value of the <b>ARM FPU Type</b> project property."},
-             {"FPABI", "The value of the <b>ARM FP ABI Type</b> project property."},
-             {"DeviceName", "The value of the <b>Target Device</b> project property."},
-         })
-        macros.push_back(m.buildMacro(macro, description));
+    m.appendBuildMacros(macros, {
+        {"CoreType", "The lower case value of the <b>ARM Core Type</b> project property."},
+        {"Arch", "The lower case value of the <b>ARM Architecture</b> project property."},
+        {"Arch2", "Alternative value of the <b>ARM Architecture</b> project property."},
+        {"Endian", "The lower case value of the <b>Byte Order</b> project property."},
+        {"FPU", "The lower case value of the <b>ARM FPU Type</b> project property."},
+        {"FPU2", "Alternative value of the <b>ARM FPU Type</b> project property."},
+        {"FPU3", "Alternative value of the <b>ARM FPU Type</b> project property."},
+        {"FPABI", "The value of the <b>ARM FP ABI Type</b> project property."},
+        {"DeviceName", "The value of the <b>Target Device</b> project property."},
+    });
 
     // The copies share the save name, so they read and write the value of
     // the original; they stay out of the map, where the name means the
     // original.
-    const std::pair<PropertyClass *, const char *> copied[] = {
+    const struct {
+        PropertyClass *original;
+        PropertyText help;
+    } copied[] = {
         {instructionSet, "The target instruction set."},
         {architecture, "The target CPU architecture."},
         {coreType, "The target core type."},
         {endian, "The target endian type."},
         {fpuType, "The target FPU architecture."},
-        {v8MHasCmse, nullptr},
-        {v81MMveType, nullptr},
+        {v8MHasCmse, {}},
+        {v81MMveType, {}},
     };
     for (const auto &[original, help] : copied) {
         auto copy = std::make_unique<PropertyClass>(*original);
         copy->setPage("Debugging");
         copy->setGroup("Debugger Options");
-        if (help)
+        if (!help.empty())
             copy->setLongText(help);
         debugCopies.push_back(copy.get());
         objects.push_back(std::move(copy));

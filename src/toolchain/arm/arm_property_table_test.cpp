@@ -94,7 +94,7 @@ std::set<std::string> placed(const PropertyValueList &list, const std::set<std::
     std::set<std::string> rows;
     for (const auto &row : list)
         if (wanted.count(row->name()))
-            rows.insert(row->name() + " " + row->propertyClass->page() + "/" + row->propertyClass->group());
+            rows.insert(row->name() + " " + std::string(row->propertyClass->page()) + "/" + std::string(row->propertyClass->group()));
     return rows;
 }
 

@@ -41,16 +41,16 @@ bool ProjectSystem::mayBeStored(ProjectElement *element, const PropertyClass *pr
     // between them: the tree of the element asked last, of its parent and
     // of its children is known until the tree changes, which drops the root.
     const XMLNode *last = stored.element;
-    if (element != last || !stored.root) {
-        if (!stored.root || !last || (element->parent != last && last->parent != element)) {
-            ProjectElement *root = element;
-            while (ProjectElement *up = parent(root))
-                root = up;
-            if (stored.root != root)
-                storedNamesOf(root);
-        }
-        stored.element = element;
+    const bool known = stored.root && last &&
+                       (element == last || element->parent == last || last->parent == element);
+    if (!known) {
+        ProjectElement *root = element;
+        while (ProjectElement *up = parent(root))
+            root = up;
+        if (stored.root != root)
+            storedNamesOf(root);
     }
+    stored.element = element;
     PropertyClass::StoredNote &note = property->storedNote;
     if (note.generation != stored.generation)
         note = {stored.generation, stored.names.contains(property->name())};

@@ -7,7 +7,7 @@
 
 ProjectElement *GCCProjectSystem::precompiledHeaderOf(ProjectElement *element, const std::string &configuration) {
     ProjectElement *project = projectOf(element);
-    if (!project || getPropertyValue(project, gccProperties.enablePrecompiledHeader, configuration) != "Yes")
+    if (!project || !isYes(project, gccProperties.enablePrecompiledHeader, configuration))
         return nullptr;
     PrecompiledHeaders &cache = precompiledHeaders_;
     const auto key = std::make_pair(project, configuration);

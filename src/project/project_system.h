@@ -527,8 +527,21 @@ private:
         std::uint64_t generation = 0;  // of names, unique in the process
     };
     // False if no store of the element's tree holds the property; true
-    // when it may be held, and always while the cache is off.
-    bool mayBeStored(ProjectElement *element, const PropertyClass *property);
+    // when it may be held, and always while the cache is off. Asked for
+    // most property reads of a build: the common case, the element asked
+    // last or its parent or child with the property's note current, is
+    // answered here.
+    bool mayBeStored(ProjectElement *element, const PropertyClass *property) {
+        StoredProperties &stored = storedProperties_;
+        const XMLNode *last = stored.element;
+        if (!macroCache_.enabled || !element || !stored.root || !last ||
+            property->storedNote.generation != stored.generation ||
+            !(element == last || element->parent == last || last->parent == element))
+            return mayBeStoredAnew(element, property);
+        stored.element = element;
+        return property->storedNote.held;
+    }
+    bool mayBeStoredAnew(ProjectElement *element, const PropertyClass *property);
     // Collects the names that the stores of the tree hold.
     void storedNamesOf(ProjectElement *root);
 

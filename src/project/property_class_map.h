@@ -2,11 +2,10 @@
 
 #include "project/property_class.h"
 
+#include <cstddef>
 #include <functional>
-#include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 // The property classes that a project system knows, by save name, and the
@@ -40,15 +39,24 @@ public:
 
     // Every class entered, in name order.
     std::vector<PropertyClass *> inNameOrder() const;
-    std::size_t size() const { return classes_.size(); }
+    std::size_t size() const { return size_; }
 
 private:
-    // Keyed by the entered class's own name: a toolchain enters hundreds of
-    // classes at start-up, and a copy of each name would cost more than the
-    // look-ups that follow.
-    using Classes = std::unordered_map<std::string_view, PropertyClass *>;
-    Classes classes_;
-    void rename(Classes::iterator entry, PropertyClass *property);
-    std::map<int, std::vector<PropertyClass *>> toolProperties_;
+    // An open-addressed table, probed linearly: a toolchain enters hundreds
+    // of classes at every start, and a node and a copied name for each cost
+    // more than the look-ups that follow. A slot's key is the name of the
+    // class it holds, so replacing a class under its name needs no new key.
+    struct Slot {
+        std::size_t hash = 0;
+        PropertyClass *property = nullptr;
+    };
+    std::vector<Slot> slots_;
+    std::size_t size_ = 0;
+    // The slot of name, or the empty slot where the probe for it ends.
+    std::size_t find(std::string_view name, std::size_t hash) const;
+    void grow();
+
+    // Indexed by step: steps are small numbers.
+    std::vector<std::vector<PropertyClass *>> toolProperties_;
     MultipleDefinitionReport report_;
 };

@@ -151,6 +151,31 @@ TEST(PropertyClassMap, SameNameRulesLookUpAndToolLists) {
     EXPECT_TRUE(tools.toolProperties(3).empty());
 }
 
+// Enough names to fill the table past its first size, taken out in an order
+// that leaves holes inside runs of probes: every name left is still found.
+TEST(PropertyClassMap, ManyNamesSurviveGrowthAndRemoval) {
+    PropertyClassMap map;
+    std::vector<PropertyClass> classes;
+    for (int i = 0; i < 3000; ++i)
+        classes.push_back(make("property_" + std::to_string(i)));
+    for (PropertyClass &property : classes)
+        EXPECT_EQ(map.addPropertyClass(&property), nullptr);
+    EXPECT_EQ(map.size(), 3000u);
+    for (std::size_t i = 0; i < classes.size(); i += 3)
+        map.removePropertyClass(&classes[i]);
+    for (std::size_t i = 1; i < classes.size(); i += 7)
+        map.removePropertyClass(&classes[i]);
+    std::size_t left = 0;
+    for (std::size_t i = 0; i < classes.size(); ++i) {
+        const bool removed = i % 3 == 0 || i % 7 == 1;
+        left += !removed;
+        EXPECT_EQ(map.propertyClass(classes[i].name()), removed ? nullptr : &classes[i]) << i;
+    }
+    EXPECT_EQ(map.size(), left);
+    EXPECT_EQ(map.inNameOrder().size(), left);
+    EXPECT_EQ(map.propertyClass("property_3000"), nullptr);
+}
+
 // The toolchain gives the lists of project and file types.
 TEST(StandardPropertyTable, ToolchainListsReplaceTheTypes) {
     PropertyClassMap map;

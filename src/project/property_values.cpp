@@ -33,7 +33,7 @@ bool ProjectSystem::readStore(ProjectElement *element, const std::string &name,
     return true;
 }
 
-bool ProjectSystem::mayBeStored(ProjectElement *element, const PropertyClass *property) {
+bool ProjectSystem::mayBeStoredAnew(ProjectElement *element, const PropertyClass *property) {
     if (!macroCache_.enabled || !element)
         return true;
     StoredProperties &stored = storedProperties_;
@@ -138,14 +138,13 @@ std::optional<std::string> ProjectSystem::getPropertyValue(ProjectElement *eleme
 }
 
 bool ProjectSystem::isYes(ProjectElement *element, PropertyClass *property, const std::string &configuration) {
-    if (property && !mayBeStored(element, property)) {
-        std::string value;
-        if (defaultPropertyValue(element, configuration, property, value))
-            return value == "Yes";
-        const std::optional<std::string> &byDefault = property->defaultValue();
-        return byDefault && std::string_view(*byDefault) == "Yes";
-    }
-    return getPropertyValue(element, property, configuration) == "Yes";
+    if (!property || mayBeStored(element, property))
+        return getPropertyValue(element, property, configuration) == "Yes";
+    std::string value;
+    if (defaultPropertyValue(element, configuration, property, value))
+        return value == "Yes";
+    const std::optional<std::string> &byDefault = property->defaultValue();
+    return byDefault && std::string_view(*byDefault) == "Yes";
 }
 
 std::optional<std::string> ProjectSystem::getExpandedPropertyValue(ProjectElement *element,

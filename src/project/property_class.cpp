@@ -192,9 +192,17 @@ void PropertyClass::setGroup(PropertyText group)
     group_ = group.keeping(normalisedGroup(group));
 }
 
+// Cut before the first " Options" or " Settings". Both begin with a blank,
+// so one pass over the blanks finds the earlier; a toolchain's tables ask
+// this of every class at every start.
 std::string_view PropertyClass::normalisedGroup(std::string_view group)
 {
-    return group.substr(0, std::min(group.find(" Options"), group.find(" Settings")));
+    for (std::size_t at = group.find(' '); at != std::string_view::npos; at = group.find(' ', at + 1)) {
+        const std::string_view rest = group.substr(at);
+        if (rest.starts_with(" Options") || rest.starts_with(" Settings"))
+            return group.substr(0, at);
+    }
+    return group;
 }
 
 std::string_view PropertyClass::normalisedPage(std::string_view page)

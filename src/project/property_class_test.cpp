@@ -37,6 +37,14 @@ TEST(PropertyClass, TypeWordsGroupsAndConstructionForms) {
     property.setPage("Linker");
     property.setGroup("Build Options");
     EXPECT_EQ(std::string(property.page()) + "|" + std::string(property.group()), "Code|Build");
+    // The earlier of the two words wins; a word that only begins with one
+    // of them cuts too, and a group without either stays whole.
+    const std::pair<std::string_view, std::string_view> groups[] = {
+        {"A Settings B Options", "A"}, {"A Options Settings", "A"}, {"Debug Optionsx", "Debug"},
+        {"Options", "Options"},        {" Settings", ""},           {"Opt ions", "Opt ions"},
+        {"Code Generation", "Code Generation"}};
+    for (const auto &[group, cut] : groups)
+        EXPECT_EQ(PropertyClass::normalisedGroup(group), cut) << group;
 
     // Numbers: hexadecimal for IntegerHex only.
     EXPECT_EQ(PropertyClass("f", PropertyClass::IntegerHex, 0, 255, "", "", "", "", 0xab, "", 2).defaultValue(),

@@ -241,4 +241,12 @@ TEST(PropertyValues, ReadsWhileTheCacheIsOnKeepTheSearchsAnswers) {
     EXPECT_FALSE(system.isYes(c, &yes, "Debug"));
     EXPECT_TRUE(system.isYes(b, &no, "Debug"));
     EXPECT_FALSE(system.isYes(a, &no, "Debug"));
+    // Classes may be shared between systems: what a class noted of another
+    // system's tree doesn't answer for this one's, not even for the node
+    // asked last.
+    Hooked other;
+    other.load(R"(<solution Name="T"><project Name="R"><file file_name="d.c" /></project></solution>)");
+    other.setMacroCacheEnabled(true);
+    EXPECT_FALSE(other.isYes(other.file("d.c"), &stored, "Debug"));
+    EXPECT_TRUE(system.isYes(a, &stored, "Debug"));
 }

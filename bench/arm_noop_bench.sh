@@ -2,7 +2,8 @@
 # Times a build with nothing to do of one ARM solution of N small C files in
 # P library projects, beside the same solution built with -host: after a
 # full build with each toolchain, R no-op runs of each, taking turns, in
-# milliseconds (best, median, worst). The no-op build reads the solution, expands each file's
+# milliseconds (best, median, worst), and the same of the difference within
+# each turn. The no-op build reads the solution, expands each file's
 # properties, stats its inputs and outputs and reads its dependency file,
 # for both toolchains alike; the ARM toolchain has more properties and
 # macros per file.
@@ -54,21 +55,30 @@ build() {
         { echo "work left after a build: $*" >&2; exit 1; }
 }
 
-# "best median worst" of a list of milliseconds.
+# "best median worst" in milliseconds of a list of microseconds.
 summary() {
-    sort -n | awk '{ v[NR] = $1 } END { printf "%6d %6d %6d\n", v[1], v[int((NR + 1) / 2)], v[NR] }'
+    sort -n | awk '{ v[NR] = $1 / 1000 } END { printf "%6.1f %6.1f %6.1f\n", v[1], v[int((NR + 1) / 2)], v[NR] }'
 }
 
 build noop.tbp
 build host.tbp -host
 # The two no-ops take turns, so that a change in the machine's load falls on
 # both alike.
-arm=() host=()
+# The first of each pair alternates too, and each pair's difference is kept:
+# their median is steadier than the difference of the two medians.
+arm=() host=() difference=()
 for ((r = 0; r < runs; ++r)); do
-    arm+=("$(timed "$quillmake" -config Debug -threadnum 2 noop.tbp)")
-    host+=("$(timed "$quillmake" -host -config Debug -threadnum 2 host.tbp)")
+    if ((r % 2 == 0)); then
+        a=$(timedMicroseconds "$quillmake" -config Debug -threadnum 2 noop.tbp)
+        h=$(timedMicroseconds "$quillmake" -host -config Debug -threadnum 2 host.tbp)
+    else
+        h=$(timedMicroseconds "$quillmake" -host -config Debug -threadnum 2 host.tbp)
+        a=$(timedMicroseconds "$quillmake" -config Debug -threadnum 2 noop.tbp)
+    fi
+    arm+=("$a") host+=("$h") difference+=("$((a - h))")
 done
 echo "$files files in $projects libraries; no-op of $runs runs each, taking turns, milliseconds; load $(cut -d' ' -f1-3 /proc/loadavg)"
-printf '%-22s %6s %6s %6s\n' "" best median worst
-printf '%-22s %s\n' "ARM, direct form" "$(printf '%s\n' "${arm[@]}" | summary)"
-printf '%-22s %s\n' "-host" "$(printf '%s\n' "${host[@]}" | summary)"
+printf '%-24s %6s %6s %6s\n' "" best median worst
+printf '%-24s %s\n' "ARM, direct form" "$(printf '%s\n' "${arm[@]}" | summary)"
+printf '%-24s %s\n' "-host" "$(printf '%s\n' "${host[@]}" | summary)"
+printf '%-24s %s\n' "ARM minus -host, paired" "$(printf '%s\n' "${difference[@]}" | summary)"

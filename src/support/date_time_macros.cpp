@@ -21,9 +21,7 @@ const char *const monthNames[] = {"January", "February", "March",     "April",  
 }  // namespace
 
 bool dateTimeMacroValue(std::string_view name, std::time_t when, std::string &value) {
-    // Nearly every name that is asked about is no clock name; its first
-    // letter turns most of them away.
-    if (name.empty() || (name[0] != 'D' && name[0] != 'T' && name[0] != 'U'))
+    if (!mayBeDateTimeMacro(name))
         return false;
     const auto macro = std::find_if(std::begin(clockMacros), std::end(clockMacros),
                                     [name](const auto &entry) { return entry.first == name; });
@@ -67,6 +65,6 @@ bool dateTimeMacroValue(std::string_view name, std::time_t when, std::string &va
     return true;
 }
 
-bool expandDateTimeMacro(std::string_view name, std::string &value) {
+bool expandClockMacro(std::string_view name, std::string &value) {
     return dateTimeMacroValue(name, std::time(nullptr), value);
 }

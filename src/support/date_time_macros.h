@@ -9,9 +9,19 @@
 // TimeSecond (all in local time, numbers but the year with two digits) and
 // UnixTime (seconds since the epoch).
 
-// For one of the nine names, writes its value now to `value` and returns
-// true; returns false for any other name.
-bool expandDateTimeMacro(std::string_view name, std::string &value);
-
-// The same for the moment `when`.
+// The same for the moment `when`: for one of the nine names, writes its
+// value to `value` and returns true; returns false for any other name.
 bool dateTimeMacroValue(std::string_view name, std::time_t when, std::string &value);
+
+// Whether name may be one of the nine: every macro reference of an expansion
+// asks, and nearly every name is turned away by its first letter.
+inline bool mayBeDateTimeMacro(std::string_view name) {
+    return !name.empty() && (name[0] == 'D' || name[0] == 'T' || name[0] == 'U');
+}
+
+// dateTimeMacroValue now; the clock is read only for a name that may be one
+// of the nine.
+bool expandClockMacro(std::string_view name, std::string &value);
+inline bool expandDateTimeMacro(std::string_view name, std::string &value) {
+    return mayBeDateTimeMacro(name) && expandClockMacro(name, value);
+}

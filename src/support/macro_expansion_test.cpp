@@ -88,9 +88,18 @@ TEST(DateTimeMacros, TheNineNamesInLocalTime) {
     }
     tzset();
     std::string value = "unchanged";
-    for (const char *name : {"", "date", "Timer"})
+    for (const char *name : {"", "date", "Timer"}) {
         EXPECT_FALSE(dateTimeMacroValue(name, 0, value)) << name;
+        EXPECT_FALSE(expandDateTimeMacro(name, value)) << name;
+    }
     EXPECT_EQ(value, "unchanged");
+    EXPECT_TRUE(dateTimeMacroValue("UnixTime", 1234567890, value));
+    EXPECT_EQ(value, "1234567890");
+    // Now: the seconds since the epoch, read when asked.
+    const std::time_t before = std::time(nullptr);
+    ASSERT_TRUE(expandDateTimeMacro("UnixTime", value));
+    EXPECT_GE(std::stoll(value), before);
+    EXPECT_LE(std::stoll(value), std::time(nullptr));
 }
 
 TEST_F(Expansion, NestingDeeperThanTheLimitIsLeftAsWritten) {

@@ -64,7 +64,3 @@ bool dateTimeMacroValue(std::string_view name, std::time_t when, std::string &va
     value = text;
     return true;
 }
-
-bool expandClockMacro(std::string_view name, std::string &value) {
-    return dateTimeMacroValue(name, std::time(nullptr), value);
-}

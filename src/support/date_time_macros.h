@@ -9,8 +9,8 @@
 // TimeSecond (all in local time, numbers but the year with two digits) and
 // UnixTime (seconds since the epoch).
 
-// The same for the moment `when`: for one of the nine names, writes its
-// value to `value` and returns true; returns false for any other name.
+// For one of the nine names, writes its value at the moment `when` to
+// `value` and returns true; returns false for any other name.
 bool dateTimeMacroValue(std::string_view name, std::time_t when, std::string &value);
 
 // Whether name may be one of the nine: every macro reference of an expansion
@@ -21,7 +21,6 @@ inline bool mayBeDateTimeMacro(std::string_view name) {
 
 // dateTimeMacroValue now; the clock is read only for a name that may be one
 // of the nine.
-bool expandClockMacro(std::string_view name, std::string &value);
 inline bool expandDateTimeMacro(std::string_view name, std::string &value) {
-    return mayBeDateTimeMacro(name) && expandClockMacro(name, value);
+    return mayBeDateTimeMacro(name) && dateTimeMacroValue(name, std::time(nullptr), value);
 }

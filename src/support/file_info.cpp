@@ -127,6 +127,8 @@ std::string absolutePathFrom(const std::string &directory, const std::string &pa
         return {};
     std::string result;
     if (isRelativePath(path)) {
+        // One allocation: asked for several paths of every file of a build.
+        result.reserve(directory.size() + 1 + path.size());
         result = directory;
         if (result.empty() || result.back() != '/')
             result += '/';

@@ -2,6 +2,7 @@
 
 #include "support/file_utils.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -53,7 +54,9 @@ void FileStatusCache::setEnabled(bool enabled) {
 }
 
 void FileStatusCache::clear() {
-    entries_.clear();
+    entries_ = {};
+    entryCount_ = 0;
+    paths_ = {};
     listed_.clear();
     for (const auto &[path, descriptor] : directories_)
         if (descriptor >= 0)
@@ -80,15 +83,60 @@ FileStatusCache::Location FileStatusCache::locate(const std::string &path) {
     return {found->second, path.c_str() + slash + 1};
 }
 
+const FileStatusCache::Entry *FileStatusCache::findEntry(std::string_view path, std::uint64_t hash) const {
+    if (entries_.empty() || path.empty())
+        return nullptr;
+    const std::size_t mask = entries_.size() - 1;
+    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+        const Entry &entry = entries_[i];
+        if (entry.size == 0)
+            return nullptr;
+        if (entry.hash == hash && std::string_view(paths_).substr(entry.offset, entry.size) == path)
+            return &entry;
+    }
+}
+
+FileStatusCache::Entry &FileStatusCache::addEntry(std::string_view path, std::uint64_t hash) {
+    if (2 * (entryCount_ + 1) > entries_.size()) {
+        std::vector<Entry> old(std::max<std::size_t>(1024, 2 * entries_.size()));
+        old.swap(entries_);
+        const std::size_t mask = entries_.size() - 1;
+        for (const Entry &entry : old) {
+            if (entry.size == 0)
+                continue;
+            std::size_t i = entry.hash & mask;
+            while (entries_[i].size != 0)
+                i = (i + 1) & mask;
+            entries_[i] = entry;
+        }
+    }
+    const std::size_t mask = entries_.size() - 1;
+    std::size_t i = hash & mask;
+    while (entries_[i].size != 0)
+        i = (i + 1) & mask;
+    Entry &entry = entries_[i];
+    entry = {hash, paths_.size(), path.size(), FileStatus()};
+    paths_.append(path);
+    ++entryCount_;
+    return entry;
+}
+
+const FileStatus *FileStatusCache::find(std::string_view path) const {
+    const Entry *entry = findEntry(path, PathHash()(path));
+    return entry ? &entry->status : nullptr;
+}
+
 FileStatus FileStatusCache::status(const std::string &path) {
     if (!enabled_)
         return readFileStatus(path);
-    const auto [entry, added] = entries_.try_emplace(path);
-    if (added) {
-        const Location at = locate(path);
-        entry->second = statusAt(at.directory, at.name);
-    }
-    return entry->second;
+    const std::uint64_t hash = PathHash()(path);
+    if (const Entry *entry = findEntry(path, hash))
+        return entry->status;
+    const Location at = locate(path);
+    const FileStatus found = statusAt(at.directory, at.name);
+    if (!path.empty())
+        addEntry(path, hash).status = found;
+    return found;
 }
 
 FileStatus FileStatusCache::statusInList(std::size_t position, const std::string &path) {

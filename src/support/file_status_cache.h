@@ -46,10 +46,7 @@ public:
     // The status read before for a path as given, or null if there is none
     // (or the cache is off). A path found here is one that a caller passed
     // normalised.
-    const FileStatus *find(const std::string &path) const {
-        const auto entry = entries_.find(path);
-        return entry == entries_.end() ? nullptr : &entry->second;
-    }
+    const FileStatus *find(std::string_view path) const;
     // For a list of paths checked in order: the status of the path at
     // `position`, found by comparing it with the path at the same position
     // of the lists checked before, or else as status() finds it. The
@@ -80,7 +77,21 @@ private:
     };
 
     bool enabled_ = false;
-    std::unordered_map<std::string, FileStatus, PathHash, std::equal_to<>> entries_;
+    // The statuses read, in a table of slots probed in turn from the path's
+    // hash, at most half full; the paths lie one after another in `paths_`.
+    // A build enters thousands, so an entry costs no allocation of its own.
+    struct Entry {
+        std::uint64_t hash = 0;
+        std::size_t offset = 0;  // of the path in paths_
+        std::size_t size = 0;    // of the path; 0 for a free slot
+        FileStatus status;
+    };
+    std::vector<Entry> entries_;
+    std::size_t entryCount_ = 0;
+    std::string paths_;
+    const Entry *findEntry(std::string_view path, std::uint64_t hash) const;
+    // The entry of a path that has none yet.
+    Entry &addEntry(std::string_view path, std::uint64_t hash);
     // What statusInList last answered at each position.
     std::vector<std::pair<std::string, FileStatus>> listed_;
     void remember(std::size_t position, const std::string &path, const FileStatus &status);

@@ -81,4 +81,32 @@ TEST(FileStatusCache, OffReadsEachTimeOnFindsFilesFromTheirDirectoriesAndLists) 
     EXPECT_EQ(cache.knownInList(5, b)->size, 2);
 }
 
+// While on, what was read is kept for thousands of paths, through the
+// table's growth, however the files change; a clear forgets all of it.
+TEST(FileStatusCache, KeepsEveryAnswerUntilCleared) {
+    TestDirectory directory;
+    FileStatusCache cache;
+    cache.setEnabled(true);
+    const int count = 3000;
+    auto path = [&](int i) { return directory / concat("f", std::to_string(i)); };
+    for (int i = 0; i < count; i += 7)
+        directory.write(concat("f", std::to_string(i)), std::string(std::size_t(i % 50), 'x'));
+    for (int i = 0; i < count; ++i)
+        EXPECT_EQ(cache.status(path(i)).exists, i % 7 == 0) << i;
+    for (int i = 0; i < count; i += 7)
+        unlink(path(i).c_str());
+    directory.write("f1", "late");
+    for (int i = 0; i < count; ++i) {
+        const FileStatus *known = cache.find(path(i));
+        ASSERT_NE(known, nullptr) << i;
+        EXPECT_EQ(known->exists, i % 7 == 0) << i;
+        EXPECT_EQ(cache.status(path(i)).size, i % 7 == 0 ? i % 50 : 0) << i;
+    }
+    EXPECT_EQ(cache.find(path(count)), nullptr);
+    cache.clear();
+    EXPECT_EQ(cache.find(path(0)), nullptr);
+    EXPECT_FALSE(cache.status(path(0)).exists);
+    EXPECT_EQ(cache.status(path(1)).size, 4);
+}
+
 }  // namespace

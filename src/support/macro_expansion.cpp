@@ -2,7 +2,9 @@
 
 #include "support/date_time_macros.h"
 
+#include <array>
 #include <cstdio>
+#include <vector>
 
 namespace {
 
@@ -77,13 +79,39 @@ private:
     const MacroMap &map_;
 };
 
-bool isBeingExpanded(const std::vector<Level> &levels, const std::string *value) {
-    for (const Level &level : levels) {
-        if (level.value == value)
-            return true;
+// The levels of one expansion. Nearly every expansion is a few levels deep,
+// so the first ones live in place and only a deeper nesting takes the heap.
+class LevelStack {
+public:
+    bool empty() const { return size_ == 0; }
+    std::size_t size() const { return size_; }
+    Level &back() { return at(size_ - 1); }
+    void push_back(const Level &level) {
+        if (size_ < inPlace_.size())
+            inPlace_[size_] = level;
+        else
+            beyond_.push_back(level);
+        ++size_;
     }
-    return false;
-}
+    void pop_back() {
+        if (--size_ >= inPlace_.size())
+            beyond_.pop_back();
+    }
+    bool isBeingExpanded(const std::string *value) {
+        for (std::size_t i = 0; i < size_; ++i) {
+            if (at(i).value == value)
+                return true;
+        }
+        return false;
+    }
+
+private:
+    Level &at(std::size_t i) { return i < inPlace_.size() ? inPlace_[i] : beyond_[i - inPlace_.size()]; }
+
+    std::array<Level, 8> inPlace_;
+    std::vector<Level> beyond_;
+    std::size_t size_ = 0;
+};
 
 }  // namespace
 
@@ -104,11 +132,11 @@ std::string expandMacrosWith(const MacroTable &macros, MacroSource &local, std::
     if (text.find(macroCharacter) == npos)
         return std::string(text);
 
-    // The levels are kept in a vector rather than on the call stack, and all
-    // of them write to one result: what a level emits is final.
+    // The levels are kept in a stack of their own rather than on the call
+    // stack, and all of them write to one result: what a level emits is final.
     std::string result;
     result.reserve(text.size());
-    std::vector<Level> levels;
+    LevelStack levels;
     levels.push_back({text, 0, nullptr});
     std::size_t referencesLeft = limits.references + text.size();
     bool exhausted = false;
@@ -165,7 +193,7 @@ std::string expandMacrosWith(const MacroTable &macros, MacroSource &local, std::
                 result += clock;
             } else if (value->find(macroCharacter) == npos || *value == current) {
                 result += *value;
-            } else if (levels.size() >= limits.depth || isBeingExpanded(levels, value)) {
+            } else if (levels.size() >= limits.depth || levels.isBeingExpanded(value)) {
                 result.append(written);
             } else {
                 levels.push_back({*value, 0, value});

@@ -22,6 +22,28 @@ TEST(NormalisePath, RootStaysAndDeepPathsWork) {
     EXPECT_EQ(deep, "x");
 }
 
+TEST(NormalisePath, PlainPathSeesASeparatorPairAtEveryPosition) {
+    // Long paths are looked at in blocks: a pair at any place, across a
+    // block's edge or in the overlapping last block, must still be seen.
+    for (std::size_t size = 2; size <= 50; ++size) {
+        std::string plain;
+        for (std::size_t i = 0; i < size; ++i)
+            plain += i % 3 == 2 ? '/' : i % 3 == 1 ? '.' : 'a';
+        if (plain.back() == '/')
+            plain.back() = 'b';
+        EXPECT_TRUE(isPlainPath(plain)) << plain;
+        for (std::size_t at = 0; at + 1 < size; ++at)
+            for (const char *pair : {"//", "/."}) {
+                std::string text = plain;
+                text.replace(at, 2, pair);
+                EXPECT_FALSE(isPlainPath(text)) << text;
+            }
+    }
+    EXPECT_FALSE(isPlainPath(".a/b"));
+    EXPECT_FALSE(isPlainPath("a/b/"));
+    EXPECT_TRUE(isPlainPath("/"));
+}
+
 TEST(RelativePath, FromADirectoryToAPathOrFile) {
     const struct {
         bool file;  // relativeFilePath, else relativePath

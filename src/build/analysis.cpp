@@ -36,7 +36,14 @@ std::string quotedIfBlank(const std::string &argument) {
 std::string StandardProjectSystem::fileTypeName(ProjectElement *element, const std::string &configuration) {
     if (element && element == typeNameElement_)
         return typeNameOverride_;
-    return ProjectSystem::fileTypeName(element, configuration);
+    NodeAnswers *answers = nodeAnswers(element, configuration);
+    if (!answers)
+        return ProjectSystem::fileTypeName(element, configuration);
+    if (!answers->typeKnown) {
+        answers->typeName = ProjectSystem::fileTypeName(element, configuration);
+        answers->typeKnown = true;
+    }
+    return answers->typeName;
 }
 
 bool StandardProjectSystem::canAnalyze(ProjectElement *element, const std::string &configuration) {

@@ -330,6 +330,8 @@ private:
         int kind[2] = {-1, -1};  // buildKind without and with BuildAnalyse
         int compiledKind = -1;   // the kind that compiledFile is for
         std::string compiledFile;
+        bool typeKnown = false;  // fileTypeName, asked several times a node
+        std::string typeName;
     };
     struct NodeAnswerCache {
         bool enabled = false;

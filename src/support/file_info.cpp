@@ -63,32 +63,31 @@ void FileInfo::refresh() {
 
 std::string FileInfo::absoluteFilePath() const { return absolutePathOf(path_); }
 
-std::string FileInfo::fileName() const {
-    const size_t slash = path_.rfind('/');
-    return slash == std::string::npos ? path_ : path_.substr(slash + 1);
+std::string_view fileNameOf(std::string_view path) {
+    const size_t slash = path.rfind('/');
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
-std::string FileInfo::baseName() const {
-    const std::string name = fileName();
-    return name.substr(0, name.find('.'));
+std::string_view baseNameOf(std::string_view path, bool complete) {
+    const std::string_view name = fileNameOf(path);
+    return name.substr(0, complete ? name.rfind('.') : name.find('.'));
 }
 
-std::string FileInfo::completeBaseName() const {
-    const std::string name = fileName();
-    return name.substr(0, name.rfind('.'));
+std::string_view suffixOf(std::string_view path, bool complete) {
+    const std::string_view name = fileNameOf(path);
+    const size_t dot = complete ? name.find('.') : name.rfind('.');
+    return dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
 }
 
-std::string FileInfo::suffix() const {
-    const std::string name = fileName();
-    const size_t dot = name.rfind('.');
-    return dot == std::string::npos ? std::string() : name.substr(dot + 1);
-}
+std::string FileInfo::fileName() const { return std::string(fileNameOf(path_)); }
 
-std::string FileInfo::completeSuffix() const {
-    const std::string name = fileName();
-    const size_t dot = name.find('.');
-    return dot == std::string::npos ? std::string() : name.substr(dot + 1);
-}
+std::string FileInfo::baseName() const { return std::string(baseNameOf(path_, false)); }
+
+std::string FileInfo::completeBaseName() const { return std::string(baseNameOf(path_, true)); }
+
+std::string FileInfo::suffix() const { return std::string(suffixOf(path_, false)); }
+
+std::string FileInfo::completeSuffix() const { return std::string(suffixOf(path_, true)); }
 
 std::string FileInfo::path() const { return directoryOf(path_); }
 

@@ -67,6 +67,12 @@ private:
 // The directory part of a "/" path, with the conventions of FileInfo::path().
 std::string directoryOf(const std::string &path);
 
+// The parts of a path's file name, as FileInfo gives them: of the text
+// alone, so that asking needs no FileInfo.
+std::string_view fileNameOf(std::string_view path);
+std::string_view baseNameOf(std::string_view path, bool complete);
+std::string_view suffixOf(std::string_view path, bool complete);
+
 // True for a path that doesn't begin at the root.
 inline bool isRelativePath(std::string_view path) { return path.empty() || path[0] != '/'; }
 // `path` made absolute against the current directory, and normalised.

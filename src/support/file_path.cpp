@@ -137,15 +137,13 @@ bool FilePath::isRelative() const { return info().isRelative(); }
 
 std::string FilePath::absoluteFilePath() const { return info().absoluteFilePath(); }
 
-std::string FilePath::fileName() const { return info().fileName(); }
+// The names are of the text alone: asked for every file of a build, they
+// make no FileInfo.
+std::string FilePath::fileName() const { return std::string(fileNameOf(text())); }
 
-std::string FilePath::baseName(bool complete) const {
-    return complete ? info().completeBaseName() : info().baseName();
-}
+std::string FilePath::baseName(bool complete) const { return std::string(baseNameOf(text(), complete)); }
 
-std::string FilePath::suffix(bool complete) const {
-    return complete ? info().completeSuffix() : info().suffix();
-}
+std::string FilePath::suffix(bool complete) const { return std::string(suffixOf(text(), complete)); }
 
 std::string FilePath::path(bool absolute) const {
     return absolute ? info().absolutePath() : info().path();

@@ -40,16 +40,27 @@ std::string StandardProjectSystem::compiledFilePath(int kind, ProjectElement *el
 
 StandardProjectSystem::NodeAnswers *StandardProjectSystem::nodeAnswers(
     ProjectElement *element, const std::string &configuration) {
-    if (!nodeAnswers_.enabled)
+    NodeAnswerCache &cache = nodeAnswers_;
+    if (!cache.enabled)
         return nullptr;
-    for (auto &[name, nodes] : nodeAnswers_.entries)
-        if (name == configuration)
-            return &nodes[element];
-    nodeAnswers_.entries.emplace_back(configuration, std::unordered_map<ProjectElement *, NodeAnswers>());
-    return &nodeAnswers_.entries.back().second[element];
+    if (cache.last && cache.lastElement == element && *cache.lastConfiguration == configuration)
+        return cache.last;
+    auto entry = std::find_if(cache.entries.begin(), cache.entries.end(),
+                              [&](const auto &e) { return e.first == configuration; });
+    if (entry == cache.entries.end()) {
+        cache.entries.emplace_back(configuration, std::unordered_map<ProjectElement *, NodeAnswers>());
+        entry = cache.entries.end() - 1;
+    }
+    cache.lastElement = element;
+    cache.lastConfiguration = &entry->first;
+    cache.last = &entry->second[element];
+    return cache.last;
 }
 
-void StandardProjectSystem::forgetNodeAnswers() { nodeAnswers_.entries.clear(); }
+void StandardProjectSystem::forgetNodeAnswers() {
+    nodeAnswers_.entries.clear();
+    nodeAnswers_.last = nullptr;
+}
 
 int StandardProjectSystem::findBuildKind(ProjectElement *element, const std::string &configuration,
                                          bool analyse) {

@@ -215,7 +215,7 @@ void StandardProjectSystem::setDependencyCacheEnabled(bool enabled) {
     dependencyCache_.enabled = enabled;
     dependencyCache_.element = nullptr;
     nodeAnswers_.enabled = enabled;
-    nodeAnswers_.entries.clear();
+    forgetNodeAnswers();
 }
 
 bool StandardProjectSystem::canCheckSyntax(ProjectElement *, const std::string &) { return false; }

@@ -337,6 +337,10 @@ private:
         bool enabled = false;
         // Per configuration; a build has one or a few.
         std::vector<std::pair<std::string, std::unordered_map<ProjectElement *, NodeAnswers>>> entries;
+        // The answers asked last: a node's are asked several times in a row.
+        ProjectElement *lastElement = nullptr;
+        const std::string *lastConfiguration = nullptr;  // the key in entries
+        NodeAnswers *last = nullptr;
     };
     // The kept answers of the node, or null while the cache is off.
     NodeAnswers *nodeAnswers(ProjectElement *element, const std::string &configuration);

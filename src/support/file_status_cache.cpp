@@ -96,25 +96,23 @@ const FileStatusCache::Entry *FileStatusCache::findEntry(std::string_view path, 
     }
 }
 
-FileStatusCache::Entry &FileStatusCache::addEntry(std::string_view path, std::uint64_t hash) {
-    if (2 * (entryCount_ + 1) > entries_.size()) {
-        std::vector<Entry> old(std::max<std::size_t>(1024, 2 * entries_.size()));
-        old.swap(entries_);
-        const std::size_t mask = entries_.size() - 1;
-        for (const Entry &entry : old) {
-            if (entry.size == 0)
-                continue;
-            std::size_t i = entry.hash & mask;
-            while (entries_[i].size != 0)
-                i = (i + 1) & mask;
-            entries_[i] = entry;
-        }
-    }
+std::size_t FileStatusCache::freeSlot(std::uint64_t hash) const {
     const std::size_t mask = entries_.size() - 1;
     std::size_t i = hash & mask;
     while (entries_[i].size != 0)
         i = (i + 1) & mask;
-    Entry &entry = entries_[i];
+    return i;
+}
+
+FileStatusCache::Entry &FileStatusCache::addEntry(std::string_view path, std::uint64_t hash) {
+    if (2 * (entryCount_ + 1) > entries_.size()) {
+        std::vector<Entry> old(std::max<std::size_t>(1024, 2 * entries_.size()));
+        old.swap(entries_);
+        for (const Entry &entry : old)
+            if (entry.size != 0)
+                entries_[freeSlot(entry.hash)] = entry;
+    }
+    Entry &entry = entries_[freeSlot(hash)];
     entry = {hash, paths_.size(), path.size(), FileStatus()};
     paths_.append(path);
     ++entryCount_;

@@ -90,6 +90,8 @@ private:
     std::size_t entryCount_ = 0;
     std::string paths_;
     const Entry *findEntry(std::string_view path, std::uint64_t hash) const;
+    // The first free slot on the probe sequence of a hash.
+    std::size_t freeSlot(std::uint64_t hash) const;
     // The entry of a path that has none yet.
     Entry &addEntry(std::string_view path, std::uint64_t hash);
     // What statusInList last answered at each position.
